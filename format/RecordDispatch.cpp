@@ -1,0 +1,80 @@
+#include "format/RecordDispatch.h"
+
+#include <array>
+
+namespace KT_FMT {
+
+namespace {
+
+using RecordReader = void (*)(ParseContext&);
+
+void dropBytes(std::istream& in, int count)
+{
+    for (int i = 0; i < count; ++i)
+        readByte(in);
+}
+
+// An unknown selector loses everything up to the next ESC, without a word.
+void skipToNextEscape(ParseContext& context)
+{
+    while (context.in.peek() != ESC)
+        readByte(context.in);
+}
+
+void readHashRecord(ParseContext& context)
+{
+    switch (readByte(context.in)) {
+    default:
+        skipToNextEscape(context);
+    }
+}
+
+void readVariableRecord(ParseContext& context)
+{
+    switch (readByte(context.in)) {
+    default:
+        skipToNextEscape(context);
+    }
+}
+
+// ESC D, ESC S and ESC X carry nothing that a format keeps.
+void readD(ParseContext& context) { dropBytes(context.in, 2); }
+void readS(ParseContext& context) { dropBytes(context.in, 3); }
+void readX(ParseContext& context) { dropBytes(context.in, 5); }
+
+// An unknown byte behind ESC reads on until the end of input raises.
+void readUnknown(ParseContext& context)
+{
+    for (;;)
+        readByte(context.in);
+}
+
+constexpr int firstSelector = '#';
+
+constexpr std::array<RecordReader, 54> records = [] {
+    std::array<RecordReader, 54> table{};
+    table['#' - firstSelector] = readHashRecord;
+    table['D' - firstSelector] = readD;
+    table['S' - firstSelector] = readS;
+    table['V' - firstSelector] = readVariableRecord;
+    table['X' - firstSelector] = readX;
+    return table;
+}();
+
+}  // namespace
+
+char readByte(std::istream& in)
+{
+    char c;
+    in.get(c);
+    return c;
+}
+
+void dispatchRecord(ParseContext& context, char selector)
+{
+    const int offset = static_cast<unsigned char>(selector) - firstSelector;
+    const bool known = offset >= 0 && offset < static_cast<int>(records.size()) && records[offset] != nullptr;
+    (known ? records[offset] : readUnknown)(context);
+}
+
+}  // namespace KT_FMT

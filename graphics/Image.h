@@ -1,0 +1,60 @@
+#pragma once
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "graphics/GraphicsContext.h"
+
+// The one-bit raster. Pixel x of a row lies in word x / 32 at bit 31 - x % 32; a set bit is ink.
+class Image : public GraphicsContext {
+public:
+    Image(int32_t width, int32_t height);
+    // Wraps rows that somebody else owns; the caller keeps them alive.
+    Image(int32_t wordsPerRow, int32_t height, uint32_t** foreignRows);
+    ~Image() override = default;
+    Image(const Image&) = delete;
+    Image& operator=(const Image&) = delete;
+
+    uint32_t getXOrigin() override { return 0; }
+    uint32_t getYOrigin() override { return 0; }
+    uint32_t getWidth() override { return static_cast<uint32_t>(width); }
+    uint32_t getHeight() override { return static_cast<uint32_t>(height); }
+    int getPixel(int32_t x, int32_t y) override;
+    void setPixel(int32_t x, int32_t y, int colour) override;
+    using GraphicsContext::rectangle;
+    void rectangle(int32_t x, int32_t y, int32_t w, int32_t h, int colour) override;
+    void clear() override;
+
+    bool isInside(int32_t x, int32_t y) const;
+    uint32_t getLong(int32_t row, int32_t col) const;
+    void setLong(int32_t row, int32_t col, uint32_t value);
+    void orLong(int32_t row, int32_t col, uint32_t value);
+
+    int32_t getLastUsedRow() const;
+    int32_t getFirstUsedRow() const;
+
+    bool saveBitmap(int32_t x, int32_t y, int32_t w, int32_t h, const std::string& path) const;
+    bool saveTrimmed(const std::string& path) const;
+    bool saveUsedRows(const std::string& path) const;
+    bool loadBitmap(int32_t x, int32_t y, const std::string& path, bool useStoredOffset);
+
+private:
+    int32_t wordsPerRow() const { return width / 32; }
+    bool rowIsBlank(int32_t row) const;
+    void setBandEmpty();
+    void extendBand(int32_t top, int32_t bottom);
+    void recomputeFirstUsedRow();
+    void recomputeLastUsedRow();
+    void rescanBand();
+
+    int32_t width;
+    int32_t height;
+    int32_t lastUsedRow;
+    int32_t firstUsedRow;
+    uint32_t** rows;
+    bool ownsRows;
+    Image* background;
+
+    std::unique_ptr<uint32_t[]> ownedWords;
+    std::unique_ptr<uint32_t*[]> ownedRows;
+};

@@ -1,0 +1,183 @@
+#include <sys/stat.h>
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+
+#include "graphics/Image.h"
+
+namespace {
+
+constexpr uint32_t headerBytes = 62;
+
+void putLittle(std::array<char, headerBytes>& header, size_t at, uint32_t value, int bytes)
+{
+    for (int i = 0; i < bytes; ++i)
+        header[at + i] = static_cast<char>(value >> (8 * i));
+}
+
+uint32_t readLittle(std::istream& in, int bytes)
+{
+    uint32_t value = 0;
+    for (int i = 0; i < bytes; ++i)
+        value |= static_cast<uint32_t>(static_cast<unsigned char>(in.get())) << (8 * i);
+    return value;
+}
+
+uint32_t readBigWord(std::istream& in)
+{
+    char bytes[4] = {};
+    in.read(bytes, 4);
+    return static_cast<uint32_t>(static_cast<unsigned char>(bytes[0])) << 24 |
+           static_cast<uint32_t>(static_cast<unsigned char>(bytes[1])) << 16 |
+           static_cast<uint32_t>(static_cast<unsigned char>(bytes[2])) << 8 |
+           static_cast<uint32_t>(static_cast<unsigned char>(bytes[3]));
+}
+
+}  // namespace
+
+bool Image::saveBitmap(int32_t x, int32_t y, int32_t w, int32_t h, const std::string& path) const
+{
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    if (x % 32 != 0 || w % 32 != 0) {
+        std::cout << "Image::saveBitmap(): x_off and w must be divisible by 32";
+        return false;
+    }
+    if (!file.is_open()) {
+        std::cout << "Can't open bmp file for writing";
+        return false;
+    }
+    const uint32_t pixelBytes = static_cast<uint32_t>(w) * static_cast<uint32_t>(h) / 8;
+    std::array<char, headerBytes> header{};
+    header[0] = 'B';
+    header[1] = 'M';
+    putLittle(header, 2, pixelBytes + headerBytes, 4);
+    putLittle(header, 6, static_cast<uint32_t>(x), 2);
+    putLittle(header, 8, static_cast<uint32_t>(y), 2);
+    putLittle(header, 10, headerBytes, 4);
+    putLittle(header, 14, 40, 4);
+    putLittle(header, 18, static_cast<uint32_t>(w), 4);
+    putLittle(header, 22, static_cast<uint32_t>(h), 4);
+    putLittle(header, 26, 1, 2);
+    putLittle(header, 28, 1, 2);
+    putLittle(header, 34, pixelBytes, 4);
+    putLittle(header, 38, 12000, 4);
+    putLittle(header, 42, 12000, 4);
+    putLittle(header, 54, 0x00FFFFFF, 4);
+    file.write(header.data(), header.size());
+
+    // Rows and words outside the raster (the blank trimmed save has one) are written as paper.
+    std::string row;
+    for (int32_t r = y + h - 1; r >= y; --r) {
+        row.clear();
+        for (int32_t c = x / 32; c < (x + w) / 32; ++c) {
+            const uint32_t word = (r >= 0 && r < height && c >= 0 && c < wordsPerRow()) ? rows[r][c] : 0u;
+            row.push_back(static_cast<char>(word >> 24));
+            row.push_back(static_cast<char>(word >> 16));
+            row.push_back(static_cast<char>(word >> 8));
+            row.push_back(static_cast<char>(word));
+        }
+        file.write(row.data(), static_cast<std::streamsize>(row.size()));
+    }
+    return true;
+}
+
+bool Image::saveTrimmed(const std::string& path) const
+{
+    std::ofstream keepOpen(path, std::ios::binary | std::ios::trunc);
+    int32_t left = -1, top = -1, right = -1, bottom = -1;
+    for (int32_t r = 0; r < height; ++r) {
+        for (int32_t c = 0; c < wordsPerRow(); ++c) {
+            if (rows[r][c] == 0)
+                continue;
+            const int32_t column = c * 32;
+            if (left == -1 || left > column)
+                left = column;
+            if (right == -1 || right < column)
+                right = column;
+            if (top == -1 || top > r)
+                top = r;
+            if (bottom == -1 || bottom < r)
+                bottom = r;
+        }
+    }
+    const int32_t x = left - left % 32;
+    int32_t w = right - left + 1;
+    const int32_t h = bottom - top + 1;
+    if (w % 32 != 0)
+        w = (w / 32 + 1) * 32;
+    return saveBitmap(x, top, w, h, path);
+}
+
+bool Image::saveUsedRows(const std::string& path) const
+{
+    return saveBitmap(0, getFirstUsedRow(), width, getLastUsedRow() - getFirstUsedRow() + 1, path);
+}
+
+bool Image::loadBitmap(int32_t x, int32_t y, const std::string& path, bool useStoredOffset)
+{
+    std::ifstream file(path, std::ios::binary);
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) {
+        std::cout << "Image::loadBitmap(): Failed to obtain file size";
+        return false;
+    }
+    if (!file.is_open()) {
+        std::cout << "Image::loadBitmap(): Can't open bmp file for reading";
+        rescanBand();
+        return true;
+    }
+    if (file.get() != 'B' || file.get() != 'M') {
+        std::cout << "Image::loadBitmap(): File is not a bitmap";
+        return false;
+    }
+    const int32_t fileSays = static_cast<int32_t>(readLittle(file, 4));
+    const int32_t fileSystemSays = static_cast<int32_t>(status.st_size);
+    if (fileSays != fileSystemSays) {
+        char message[128];
+        std::snprintf(message, sizeof message,
+                      "Image::loadBitmap(): File size doesn't match:\nfile says %i filesystem says %i", fileSays,
+                      fileSystemSays);
+        std::cout << message;
+        return false;
+    }
+    // The stored offsets are signed, so that the row above the raster of a blank save comes back as -1.
+    const int16_t storedX = static_cast<int16_t>(readLittle(file, 2));
+    const int16_t storedY = static_cast<int16_t>(readLittle(file, 2));
+    const uint32_t pixelOffset = readLittle(file, 4);
+    if (readLittle(file, 4) != 40) {
+        std::cout << "Image::loadBitmap(): Wrong bitmap type";
+        return false;
+    }
+    const int32_t w = static_cast<int32_t>(readLittle(file, 4));
+    const int32_t h = static_cast<int32_t>(readLittle(file, 4));
+    if (w % 32 != 0) {
+        std::cout << "Image::loadBitmap(): bitmap width not divisable by 32";
+        return false;
+    }
+    file.ignore(2);
+    if (file.get() != 1) {
+        std::cout << "Image::loadBitmap(): wrong colour depth";
+        return false;
+    }
+    file.ignore(1);
+    const uint32_t compression = readLittle(file, 4);
+    file.seekg(pixelOffset);
+    if (useStoredOffset) {
+        x += storedX;
+        y += storedY;
+    }
+    // A compression value of 72 marks pixel data that is to be left alone.
+    if (compression != 72) {
+        for (int32_t r = y + h - 1; r >= y; --r) {
+            for (int32_t c = x / 32; c < (x + w) / 32; ++c) {
+                const uint32_t word = readBigWord(file);
+                if (r >= 0 && r < height && c >= 0 && c < wordsPerRow())
+                    rows[r][c] = word;
+            }
+        }
+    }
+    rescanBand();
+    return true;
+}

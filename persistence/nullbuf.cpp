@@ -1,0 +1,7 @@
+#include "persistence/nullbuf.h"
+
+namespace {
+nullbuf debugSink;
+}
+
+std::ostream debugStream(&debugSink);
