@@ -505,3 +505,23 @@ TEST_F(TempDir, CompressionSeventyTwoLeavesThePixelsAlone)
     ASSERT_TRUE(target.loadBitmap(0, 0, path("marked.bmp"), false));
     EXPECT_EQ(countInk(target), 1);
 }
+
+TEST_F(TempDir, AHeaderThatPromisesMoreRowsThanTheFileHoldsStopsAtItsEnd)
+{
+    Image source(32, 2);
+    source.rectangle(0, 0, 32, 2, 1);
+    ASSERT_TRUE(source.saveBitmap(0, 0, 32, 2, path("short.bmp")));
+    auto bytes = readAll(path("short.bmp"));
+    bytes[22] = 0xFF;
+    bytes[23] = 0xFF;
+    bytes[24] = 0xFF;
+    bytes[25] = 0x7F;
+    {
+        std::ofstream out(path("short.bmp"), std::ios::binary | std::ios::trunc);
+        out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    }
+    Image target(32, 4);
+    target.rectangle(0, 0, 32, 4, 1);
+    ASSERT_TRUE(target.loadBitmap(0, -0x7FFFFFFE + 4, path("short.bmp"), false));
+    EXPECT_EQ(countInk(target), 32 * 4);
+}
