@@ -16,6 +16,8 @@ inline constexpr uint32_t ITEM_DATAMATRIX = 4;
 struct ContentItem {
     uint32_t type = ITEM_NONE;
     uint32_t value = 0;
+
+    bool operator==(const ContentItem&) const = default;
 };
 
 // Turns a content string with its backslash escapes into items. Each consumer brings its own
