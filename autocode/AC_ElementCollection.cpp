@@ -10,6 +10,7 @@ void AC_ElementCollection::addElement(const std::string& id, std::unique_ptr<AC_
 {
     if (elements.count(id) != 0)
         throw KT_ERROR::bad_escape_sequence(KT_ERROR::text("Element id already exists in collection: ", id));
+    // Room first, so that nothing can fail once the map holds the element.
     ids.reserve(ids.size() + 1);
     element->ac_environment = this;
     elements.emplace(id, std::move(element));
