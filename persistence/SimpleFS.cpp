@@ -286,12 +286,7 @@ void SimpleFS::writeFile(const uint8_t* data, uint32_t length, uint32_t root)
             try {
                 next = allocate(current);
             } catch (const SFS_FileSystemFullException&) {
-                // Only a block counted above and never written is taken back; the removal counts the rest.
-                if (countedUnwritten) {
-                    --usedBlocks;
-                    writeUsedBlocks();
-                }
-                removeChain(root, true);
+                abandonWrite(root, countedUnwritten);
                 throw;
             }
         }
@@ -299,6 +294,17 @@ void SimpleFS::writeFile(const uint8_t* data, uint32_t length, uint32_t root)
         first = false;
         current = next;
     }
+}
+
+// A write that runs out of blocks loses the whole file, root included. Only a block counted and never
+// written is taken back here; the removal counts off the rest.
+void SimpleFS::abandonWrite(uint32_t root, bool countedUnwritten)
+{
+    if (countedUnwritten) {
+        --usedBlocks;
+        writeUsedBlocks();
+    }
+    removeChain(root, true);
 }
 
 // The tolerant form stops quietly at a free block: it cleans up after a write that was cut short.

@@ -283,6 +283,18 @@ TEST(SimpleFS, FreshlyFormattedLastsUntilTheFirstWriteOfAFile)
     EXPECT_EQ(root, again);
 }
 
+TEST(SimpleFS, AHeaderThatCountsNoBlocksGivesAFullSystemAndAnEmptyCheck)
+{
+    FileArray array(128);
+    { SimpleFS fs(array, 0, 128, true); }
+    putWord(array, 12, 0);
+    SimpleFS fs(array, 0, 128, false);
+    expectFailure<SFS_FileSystemFullException>([&] { createFile(fs, "a"); }, "SimpleFS: file system full");
+    uint32_t result = 99;
+    EXPECT_EQ(checkText(fs, &result), "check done; 0 empty blocks; 0 files; 0 lost blocks\n");
+    EXPECT_EQ(result, 0u);
+}
+
 // ---- Files: the flags of every shape ----
 
 TEST(SimpleFS, FilesTakeTheirBlocksAndFlagsByLength)
