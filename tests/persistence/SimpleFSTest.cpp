@@ -575,13 +575,11 @@ TEST(SimpleFS, ReadingInPiecesCarriesTheStateAcrossBlocks)
         std::string got;
         std::vector<uint8_t> buffer(piece);
         bool going = false;
-        uint32_t reads = 0;
         do {
             const uint32_t n = fs.read(buffer.data(), piece, root, &state, going);
             got.append(buffer.begin(), buffer.begin() + n);
             EXPECT_TRUE(n == piece || state.phase == 2);
             going = true;
-            ++reads;
         } while (state.phase != 2);
         EXPECT_EQ(got, text);
         EXPECT_EQ(fs.read(buffer.data(), piece, root, &state, true), 0u);
