@@ -9,14 +9,13 @@
 #include <memory>
 
 #include "cli/PrinterTable.h"
+#include "cli/VariablesFile.h"
 #include "errors/KT_Error.h"
 #include "format/KT_Format.h"
 #include "graphics/Image.h"
 
 namespace {
 
-constexpr std::array<const char*, 9> reservedKeys{"in",    "out",      "trim",   "showvariables", "printer",
-                                                  "fontpath", "width", "height", "loadvariables"};
 constexpr const char* defaultFontDirectory = "C:\\Program Files (x86)\\Velmora\\KTR-Render\\Fonts";
 
 bool isOneOf(const std::string& argument, std::initializer_list<const char*> words)
@@ -160,6 +159,8 @@ int runRenderer(int argc, char** argv)
             std::cout << "\n\nFound format start sequence...\n"
                       << "\nWriting bitmap to " << out << "\n";
         format->parse(escStream, nullptr, 0);
+        if (!applyVariables(arguments, *format, quiet))
+            return 1;
     } catch (const KT_ERROR::kt_exception& error) {
         std::cout << error.what() << "\n"
                   << "Error at position: " << static_cast<int64_t>(escStream.tellg()) << "\n";

@@ -2,12 +2,18 @@
 #include <cstdint>
 #include <iosfwd>
 #include <string>
+#include <vector>
 
 #include "autocode/AC_ElementCollection.h"
 #include "drawables/DrawableList.h"
+#include "format/FormatInterface.h"
 
 class Image;
 class SimpleFS;
+namespace KT_AC {
+class AC_Counter;
+class AC_VariableString;
+}
 
 namespace KT_FMT {
 
@@ -19,10 +25,32 @@ inline constexpr unsigned char FORMAT_END = 0xFF;
 // The addresses of persistent values, four bytes each, in record order.
 using sram_address_stream = std::iostream;
 
-class KT_Format {
+class KT_Format : public KT_INTERFACE::FormatInterface {
 public:
     KT_Format(SimpleFS* fileSystem, Image* image, Image* background);
-    virtual ~KT_Format() = default;
+    ~KT_Format() override = default;
+
+    // Element access from outside; defined in KT_FormatAccess.cpp.
+    void raisePrinted() override;
+    void raiseTrigger() override;
+    void clockTick() override;
+    void holdUpdates() override;
+    void releaseUpdates() override;
+    uint32_t countElements(uint32_t mask) override;
+    std::vector<std::string> getElementIds(uint32_t mask) override;
+    std::string getPromptOfElement(std::string reference) override;
+    std::string getResultOfElement(std::string reference) override;
+    std::string getContentOfElement(std::string reference) override;
+    KT_AC::CounterAttributes getCounterAttributes(std::string reference) override;
+    void setCounterAttributes(std::string reference, KT_AC::CounterAttributes attributes) override;
+    uint32_t getVariableMinimumLength(std::string reference) override;
+    uint16_t getVariableMaximumLength(std::string reference) override;
+    void setContentOfElement(std::string reference, std::string text) override;
+    void addSerializationData(std::string reference, std::string text) override;
+    void deleteSerializationData(std::string reference) override;
+    uint32_t getPrintLength() override;
+    // The ink profile of the rows for the print head: 255 for paper, sinking as ink fills a window of 150 rows.
+    void hysteresisProfile(std::vector<int32_t>& out, int32_t startRow, int32_t endRow);
 
     // Reads a format from the byte behind ESC F and paints it; mode 0 is volatile, 1 and 2 persistent.
     std::string parse(std::istream& stream, sram_address_stream* addressStream, unsigned mode);
@@ -49,6 +77,9 @@ public:
 private:
     void paintParsed();
     void repaintPass();
+    KT_AC::AC_VariableString& variableOf(const std::string& id, const char* closing);
+    KT_AC::AC_Counter& counterOf(const std::string& id, const char* closing);
+    KT_AC::AC_VariableString& promptedVariable(const std::string& reference, const char* operation);
 
     bool updatesHeld = false;
     bool empty = true;

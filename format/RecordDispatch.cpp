@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "autocode/AC_Counter.h"
+#include "autocode/AC_VariableString.h"
 #include "drawables/Drawable_Box.h"
 #include "drawables/Drawable_Graphics.h"
 #include "drawables/Drawable_Invert.h"
@@ -40,6 +42,17 @@ void readHashRecord(ParseContext& context)
 void readVariableRecord(ParseContext& context)
 {
     switch (readByte(context.in)) {
+    case 'C':
+        KT_AC::AC_Counter::readCounterRecord(context.in, context.format, context.mode, context.addressStream);
+        break;
+    case 'I':
+        KT_AC::AC_VariableString::readVariableRecord(context.in, context.format, context.mode, false,
+                                                     context.addressStream);
+        break;
+    case 'X':
+        KT_AC::AC_VariableString::readVariableRecord(context.in, context.format, context.mode, true,
+                                                     context.addressStream);
+        break;
     default:
         skipToNextEscape(context);
     }

@@ -1,0 +1,218 @@
+#include "autocode/AC_Counter.h"
+
+#include <istream>
+#include <memory>
+#include <utility>
+
+#include "autocode/StorageMode.h"
+#include "errors/KT_Error.h"
+#include "format/FieldReaders.h"
+#include "format/KT_Format.h"
+#include "format/RecordDispatch.h"
+
+namespace KT_AC {
+
+namespace {
+
+constexpr char decimalSymbols[] = "0123456789";
+
+AC_Counter::Trigger readTrigger(std::istream& stream)
+{
+    const char c = KT_FMT::readByte(stream);
+    switch (c) {
+    case 'S':
+        return AC_Counter::TRIGGER_PRINT;
+    case 'R':
+        return AC_Counter::TRIGGER_PRINT_RESET;
+    case 'T':
+        return AC_Counter::TRIGGER_TRIGGER;
+    default:
+        throw KT_ERROR::bad_escape_sequence(KT_ERROR::text(
+            "malformed trigger type while parsing counter; expected 'S', 'T' or 'R' but got '", c, "'"));
+    }
+}
+
+uint32_t readDuration(std::istream& stream)
+{
+    const int32_t duration = KT_FMT::readNumber(stream, 9, true);
+    if (duration < 0)
+        throw KT_ERROR::bad_escape_sequence(
+            KT_ERROR::text("counter must not have negative duration, got: ", duration));
+    return static_cast<uint32_t>(duration);
+}
+
+// The counter's padding has an alignment message of its own.
+Padding readCounterPadding(std::istream& stream)
+{
+    Padding padding;
+    const char c = KT_FMT::readByte(stream);
+    switch (c) {
+    case '0':
+        padding.alignment = Padding::ALIGN_NONE;
+        break;
+    case 'L':
+        padding.alignment = Padding::ALIGN_LEFT;
+        break;
+    case 'R':
+        padding.alignment = Padding::ALIGN_RIGHT;
+        break;
+    default:
+        throw KT_ERROR::bad_escape_sequence(KT_ERROR::text(
+            "malformed alignment while parsing counter; expected '0', 'L' or 'R' but got '", c, "'"));
+    }
+    padding.padCharacter = KT_FMT::readByte(stream);
+    // A negative width pads nothing, as in every other padding field.
+    const int32_t width = KT_FMT::readNumber(stream, 4, true);
+    padding.width = width < 0 ? 0 : static_cast<uint32_t>(width);
+    return padding;
+}
+
+}  // namespace
+
+AC_Counter::AC_Counter(const CounterAttributes& attributes, Trigger trigger, std::string baseSymbols,
+                       std::string prefix, std::string suffix, Padding padding)
+    : trigger(trigger),
+      baseSymbols(std::move(baseSymbols)),
+      prefix(std::move(prefix)),
+      suffix(std::move(suffix)),
+      padding(padding)
+{
+    validate(attributes);
+    value.value = attributes.value;
+    stop.value = attributes.stop;
+    step.value = attributes.step;
+    reset.value = attributes.reset;
+    duration.value = attributes.duration;
+}
+
+std::string AC_Counter::readCounterRecord(std::istream& stream, KT_FMT::KT_Format& format, uint32_t storageMode,
+                                          std::iostream*)
+{
+    using KT_FMT::readDelimited;
+    using KT_FMT::readNumber;
+    const std::string id = "C" + readDelimited(stream, KT_FMT::VT);
+    const Trigger trigger = readTrigger(stream);
+    CounterAttributes attributes;
+    attributes.value = readNumber(stream, 9, true);
+    attributes.stop = readNumber(stream, 9, true);
+    attributes.step = readNumber(stream, 9, true);
+    attributes.duration = readDuration(stream);
+    attributes.reset = readNumber(stream, 9, true);
+    std::string baseSymbols = readDelimited(stream, KT_FMT::VT);
+    if (baseSymbols.empty())
+        baseSymbols = decimalSymbols;
+    const Padding padding = readCounterPadding(stream);
+    std::string prefix = readDelimited(stream, KT_FMT::VT);
+    std::string suffix = readDelimited(stream, KT_FMT::VT);
+    if (storageMode != STORAGE_NONE)
+        throw KT_ERROR::internal_error(KT_ERROR::text("storage mode ", storageMode, " is not available yet"));
+    format.getElements().addElement(
+        id, std::make_unique<AC_Counter>(attributes, trigger, std::move(baseSymbols), std::move(prefix),
+                                         std::move(suffix), padding));
+    return id;
+}
+
+void AC_Counter::validate(const CounterAttributes& attributes)
+{
+    if (attributes.step == 0)
+        throw KT_ERROR::illegal_content("counter: step value must not be zero");
+    if (attributes.step > 0 && attributes.stop < attributes.reset)
+        throw KT_ERROR::illegal_content(KT_ERROR::text("counter: stop value(", attributes.stop,
+                                                       ") less than reset value(", attributes.reset,
+                                                       ") with positive counting"));
+    if (attributes.step < 0 && attributes.stop > attributes.reset)
+        throw KT_ERROR::illegal_content(KT_ERROR::text("counter: stop value(", attributes.stop,
+                                                       ") greater than reset value(", attributes.reset,
+                                                       ") with negative counting"));
+}
+
+std::string AC_Counter::getResult() const
+{
+    if (baseSymbols.empty())
+        throw KT_ERROR::internal_autocode_error("counter has empty number base string");
+    const bool negative = value.value < 0;
+    // Negation in 32 bits: the most negative value keeps its bits, read as the unsigned 2147483648.
+    const uint32_t magnitude =
+        negative ? 0u - static_cast<uint32_t>(value.value) : static_cast<uint32_t>(value.value);
+    return prefix + padding.apply(digits(magnitude), negative) + suffix;
+}
+
+std::string AC_Counter::digits(uint32_t magnitude) const
+{
+    if (baseSymbols == decimalSymbols)
+        return std::to_string(magnitude);
+    if (baseSymbols.size() == 1) {
+        // A tally; the most negative value, whose negation stays negative, makes no marks.
+        const auto marks = static_cast<int32_t>(magnitude);
+        return std::string(marks > 0 ? static_cast<size_t>(marks) : 0, baseSymbols[0]);
+    }
+    const uint64_t base = baseSymbols.size();
+    // Wider than the value, so that the search for the highest power can't overflow.
+    uint64_t power = 1;
+    while (power * base <= magnitude)
+        power *= base;
+    std::string result;
+    uint64_t rest = magnitude;
+    for (; power >= 2; power /= base) {
+        result.push_back(baseSymbols[rest / power]);
+        rest %= power;
+    }
+    result.push_back(baseSymbols[rest]);
+    return result;
+}
+
+void AC_Counter::update(uint32_t event, uint32_t)
+{
+    switch (event) {
+    case EVENT_PAINTED:
+        unchanged = true;
+        break;
+    case EVENT_PRINTED:
+        if (trigger != TRIGGER_TRIGGER)
+            count();
+        break;
+    case EVENT_TRIGGER:
+        if (trigger == TRIGGER_TRIGGER) {
+            count();
+        } else if (trigger == TRIGGER_PRINT_RESET) {
+            value.value = reset.value;
+            unchanged = false;
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+void AC_Counter::count()
+{
+    if (++repeat < duration.value)
+        return;
+    repeat = 0;
+    // In 64 bits, so that a step past the end of the 32-bit range counts as passing the stop.
+    int64_t next = static_cast<int64_t>(value.value) + step.value;
+    if ((step.value > 0 && next > stop.value) || (step.value < 0 && next < stop.value))
+        next = reset.value;
+    value.value = static_cast<int32_t>(next);
+    unchanged = false;
+}
+
+bool AC_Counter::isUnchanged() const { return unchanged; }
+
+CounterAttributes AC_Counter::getAttributes() const
+{
+    return {value.value, stop.value, step.value, reset.value, duration.value};
+}
+
+void AC_Counter::setAttributes(const CounterAttributes& attributes, const std::string&)
+{
+    unchanged = false;
+    validate(attributes);
+    value.value = attributes.value;
+    stop.value = attributes.stop;
+    step.value = attributes.step;
+    reset.value = attributes.reset;
+    duration.value = attributes.duration;
+}
+
+}  // namespace KT_AC
