@@ -1,9 +1,18 @@
 #pragma once
 #include <cstdint>
+#include <string>
 
 struct Point {
     int32_t x;
     int32_t y;
+};
+
+// A box in dots, both corners inclusive. A box with nothing in it has right and bottom -1.
+struct Area {
+    int32_t left;
+    int32_t top;
+    int32_t right;
+    int32_t bottom;
 };
 
 // The drawing target. Colours: 0 erases, 1 inks, 2 inverts.
@@ -19,5 +28,8 @@ public:
     virtual void rectangle(int32_t x, int32_t y, int32_t w, int32_t h, int colour) = 0;
     virtual void rectangleCorners(int32_t x0, int32_t y0, int32_t x1, int32_t y1, int colour);
     virtual void clear();
+    // Alignment 0 is left, 1 centre, 2 right; spacing is 16.16 dots; area may be null.
+    virtual void drawText(int32_t x, int32_t y, int32_t size, int32_t fontNumber, std::string text,
+                          int32_t orientation, Area* area, int32_t alignment, int32_t spacing, bool reversed) = 0;
     virtual ~GraphicsContext() = default;
 };
