@@ -43,6 +43,7 @@ std::string KT_Format::parse(std::istream& stream, sram_address_stream* addressS
                 << std::setfill('0') << static_cast<int>(static_cast<unsigned char>(c)) << " (" << c << ")";
         throw KT_ERROR::parse_time_error(message.str());
     }
+    elements.broadcast(KT_AC::EVENT_PAINTED, 0);
     return {};
 }
 
@@ -51,6 +52,7 @@ void KT_Format::clear()
     if (empty)
         return;
     name = "No Format!";
+    elements.clear();
     image->clear();
     if (background != nullptr)
         background->clear();
@@ -61,6 +63,7 @@ void KT_Format::update()
 {
     if (updatesHeld)
         return;
+    elements.broadcast(KT_AC::EVENT_PAINTED, 0);
 }
 
 std::string KT_Format::nextGraphicsFileName()

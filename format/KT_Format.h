@@ -3,6 +3,8 @@
 #include <iosfwd>
 #include <string>
 
+#include "autocode/AC_ElementCollection.h"
+
 class Image;
 class SimpleFS;
 
@@ -26,6 +28,8 @@ public:
     void clear();
     void update();
 
+    KT_AC::AC_ElementCollection& getElements() { return elements; }
+    const KT_AC::AC_ElementCollection& getElements() const { return elements; }
     const std::string& getName() const { return name; }
     bool isEmpty() const { return empty; }
     Image* getImage() const { return image; }
@@ -39,6 +43,7 @@ public:
 private:
     bool updatesHeld = false;
     bool empty = true;
+    KT_AC::AC_ElementCollection elements;
     std::string name = "No Format!";
     uint32_t graphicsCounter = 0;
     uint32_t hysteresisScale = 0;

@@ -65,7 +65,8 @@ constexpr std::array<RecordReader, 54> records = [] {
 
 char readByte(std::istream& in)
 {
-    char c;
+    // A stream that does not raise leaves the byte alone at the end of input.
+    char c = 0;
     in.get(c);
     return c;
 }

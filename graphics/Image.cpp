@@ -10,21 +10,19 @@ using KT_ERROR::drawable_off_format;
 using KT_ERROR::kt_exception;
 using KT_ERROR::text;
 
-namespace {
-
-// Bits of a word that lie left of pixel column `offset` (0 to 31) of that word.
-uint32_t bitsLeftOf(int32_t offset)
+// Bits of a word that lie left of column `left`, which stay when an area starting there is drawn.
+uint32_t Image::keepLeftOf(int32_t left)
 {
+    const int32_t offset = left % 32;
     return offset == 0 ? 0u : ~0u << (32 - offset);
 }
 
-// Bits of a word that lie right of pixel column `offset` (0 to 31) of that word.
-uint32_t bitsRightOf(int32_t offset)
+// Bits of a word that lie right of column `right`, which stay when an area ending there is drawn.
+uint32_t Image::keepRightOf(int32_t right)
 {
+    const int32_t offset = right % 32;
     return offset == 31 ? 0u : ~0u >> (offset + 1);
 }
-
-}  // namespace
 
 Image::Image(int32_t width, int32_t height)
     : width(width), height(height), lastUsedRow(-1), firstUsedRow(-1), rows(nullptr), ownsRows(true),
@@ -100,8 +98,8 @@ void Image::rectangle(int32_t x, int32_t y, int32_t w, int32_t h, int colour)
         throw drawable_off_format(text("rectangle off image(x/y/w/h): (", x, "/", y, "/", w, "/", h, ")"));
 
     const int32_t firstWord = left / 32, lastWord = right / 32;
-    const uint32_t startKeep = bitsLeftOf(left % 32);
-    const uint32_t endKeep = bitsRightOf(right % 32);
+    const uint32_t startKeep = keepLeftOf(left);
+    const uint32_t endKeep = keepRightOf(right);
     switch (colour) {
     case 0:
         for (int32_t r = top; r <= bottom; ++r) {

@@ -2,7 +2,9 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "graphics/Area.h"
 #include "graphics/GraphicsContext.h"
 
 // The one-bit raster. Pixel x of a row lies in word x / 32 at bit 31 - x % 32; a set bit is ink.
@@ -43,11 +45,23 @@ public:
     bool saveUsedRows(const std::string& path) const;
     bool loadBitmap(int32_t x, int32_t y, const std::string& path, bool useStoredOffset);
 
+    // Compositing: combining rasters and reading them out.
+    void orLongShifted(int32_t row, int32_t col, uint32_t shift, uint32_t value);
+    void paste(const Image& source, int32_t row, int32_t x);
+    int loadRaw(const unsigned char* buffer, int32_t row, int32_t x, int32_t height, int32_t widthInDots);
+    void cropMarks(int32_t x0, int32_t y0, int32_t x1, int32_t y1, int style);
+    uint32_t histogram(std::vector<uint16_t>& out, int32_t startRow, int32_t endRow) const;
+    void setBackground(Image* image);
+    Image* getBackground() const { return background; }
+    void restoreArea(Area area);
+
 private:
     // Glyphs are ORed into the rows directly; the band follows from the text's area afterwards.
     friend class Font;
 
     int32_t wordsPerRow() const { return width / 32; }
+    static uint32_t keepLeftOf(int32_t left);
+    static uint32_t keepRightOf(int32_t right);
     bool rowIsBlank(int32_t row) const;
     void setBandEmpty();
     void extendBand(int32_t top, int32_t bottom);

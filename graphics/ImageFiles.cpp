@@ -1,5 +1,6 @@
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <fstream>
@@ -68,15 +69,16 @@ bool Image::saveBitmap(int32_t x, int32_t y, int32_t w, int32_t h, const std::st
     file.write(header.data(), header.size());
 
     // Rows and words outside the raster (the blank trimmed save has one) are written as paper.
-    std::string row;
+    const int32_t firstWord = x / 32, endWord = (x + w) / 32;
+    std::string row(static_cast<size_t>(std::max(endWord - firstWord, 0)) * 4, '\0');
     for (int32_t r = y + h - 1; r >= y; --r) {
-        row.clear();
-        for (int32_t c = x / 32; c < (x + w) / 32; ++c) {
+        char* out = row.data();
+        for (int32_t c = firstWord; c < endWord; ++c, out += 4) {
             const uint32_t word = (r >= 0 && r < height && c >= 0 && c < wordsPerRow()) ? rows[r][c] : 0u;
-            row.push_back(static_cast<char>(word >> 24));
-            row.push_back(static_cast<char>(word >> 16));
-            row.push_back(static_cast<char>(word >> 8));
-            row.push_back(static_cast<char>(word));
+            out[0] = static_cast<char>(word >> 24);
+            out[1] = static_cast<char>(word >> 16);
+            out[2] = static_cast<char>(word >> 8);
+            out[3] = static_cast<char>(word);
         }
         file.write(row.data(), static_cast<std::streamsize>(row.size()));
     }
@@ -168,12 +170,13 @@ bool Image::loadBitmap(int32_t x, int32_t y, const std::string& path, bool useSt
         x += storedX;
         y += storedY;
     }
-    // A compression value of 72 marks pixel data that is to be left alone.
+    // A compression value of 72 marks pixel data that is to be left alone. A header that promises
+    // more rows than the file holds stops at the file's end.
     if (compression != 72) {
-        for (int32_t r = y + h - 1; r >= y; --r) {
-            for (int32_t c = x / 32; c < (x + w) / 32; ++c) {
+        for (int64_t r = int64_t{y} + h - 1; r >= y && file; --r) {
+            for (int64_t c = x / 32; c < (int64_t{x} + w) / 32 && file; ++c) {
                 const uint32_t word = readBigWord(file);
-                if (r >= 0 && r < height && c >= 0 && c < wordsPerRow())
+                if (file && r >= 0 && r < height && c >= 0 && c < wordsPerRow())
                     rows[r][c] = word;
             }
         }

@@ -1,0 +1,268 @@
+#include "format/KT_Format.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <sstream>
+
+#include "errors/KT_Error.h"
+#include "format/FieldReaders.h"
+#include "graphics/Image.h"
+#include "tests/autocode/ProbeElement.h"
+
+using KT_FMT::KT_Format;
+
+namespace {
+
+struct Parsed {
+    std::string error;      // what() of the exception, or empty
+    bool streamFailure = false;
+    std::streamoff consumed = 0;
+};
+
+Parsed parseBytes(KT_Format& format, const std::string& bytes, unsigned mode = 0)
+{
+    std::istringstream in(bytes);
+    Parsed result;
+    try {
+        format.parse(in, nullptr, mode);
+    } catch (const KT_ERROR::kt_exception& error) {
+        result.error = error.what();
+    } catch (const std::ios_base::failure&) {
+        result.streamFailure = true;
+    }
+    EXPECT_TRUE(in.good()) << "the caller's stream keeps its state";
+    result.consumed = in.tellg();
+    return result;
+}
+
+class FormatTest : public testing::Test {
+protected:
+    Image image{64, 8};
+    KT_Format format{nullptr, &image, nullptr};
+};
+
+}  // namespace
+
+TEST_F(FormatTest, ANewFormatIsEmptyAndNamedNoFormat)
+{
+    EXPECT_TRUE(format.isEmpty());
+    EXPECT_EQ(format.getName(), "No Format!");
+    EXPECT_EQ(format.getHysteresisScale(), 0u);
+    EXPECT_EQ(format.getImage(), &image);
+    EXPECT_EQ(format.getBackground(), nullptr);
+    EXPECT_EQ(format.getFileSystem(), nullptr);
+}
+
+TEST_F(FormatTest, NameAndEndMarkMakeAnEmptyFormatThatKeepsAllTenBytes)
+{
+    const Parsed parsed = parseBytes(format, std::string("A\x1b\x01 ;\xfe  z9", 10) + "\xff");
+    EXPECT_EQ(parsed.error, "");
+    EXPECT_FALSE(parsed.streamFailure);
+    EXPECT_FALSE(format.isEmpty());
+    EXPECT_EQ(format.getName(), std::string("A\x1b\x01 ;\xfe  z9", 10));
+    EXPECT_EQ(image.getFirstUsedRow(), 0);
+    EXPECT_EQ(image.getLastUsedRow(), 0);
+}
+
+TEST_F(FormatTest, TheParserReadsNothingBehindTheEndMark)
+{
+    const Parsed parsed = parseBytes(format, "NAME      \xff\x1bQ00000");
+    EXPECT_EQ(parsed.error, "");
+    EXPECT_EQ(parsed.consumed, 11);
+}
+
+TEST_F(FormatTest, TheEndOfInputBehindTheNameIsAStreamFailure)
+{
+    const Parsed parsed = parseBytes(format, "NAME_ONLY!");
+    EXPECT_TRUE(parsed.streamFailure);
+    EXPECT_EQ(parsed.error, "");
+}
+
+TEST_F(FormatTest, AShortNameIsAStreamFailure)
+{
+    EXPECT_TRUE(parseBytes(format, "SHORT").streamFailure);
+}
+
+TEST_F(FormatTest, AStrayByteIsNamedInHexAndAsCharacter)
+{
+    struct Case {
+        std::string byte;
+        std::string text;
+    };
+    const Case cases[] = {
+        {"A", "no termination character found for format end, but ASCII 0x41 (A)"},
+        {"\n", "no termination character found for format end, but ASCII 0x0a (\n)"},
+        {"\xab", "no termination character found for format end, but ASCII 0xab (\xab)"},
+        // The text is a C string to its readers, so a zero byte ends it.
+        {std::string(1, '\0'), "no termination character found for format end, but ASCII 0x00 ("},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        const Parsed parsed = parseBytes(format, "NAME      " + c.byte + "\xff");
+        EXPECT_EQ(parsed.error, c.text);
+        EXPECT_EQ(parsed.consumed, 11);
+    }
+    EXPECT_THROW(
+        {
+            std::istringstream in("NAME      A");
+            format.parse(in, nullptr, 0);
+        },
+        KT_ERROR::parse_time_error);
+}
+
+TEST_F(FormatTest, DroppedRecordsTakeTheirFixedByteCounts)
+{
+    EXPECT_EQ(parseBytes(format, "NAME      \x1b" "D\xff\xff\x1bS\x1b\x1b\x1b\x1bX12345\xff").error, "");
+    // ESC X that leaves one byte too many hands it to the end-mark test; one too few eats the end mark.
+    const Parsed tooMany = parseBytes(format, "NAME      \x1bX123456\xff");
+    EXPECT_EQ(tooMany.error, "no termination character found for format end, but ASCII 0x36 (6)");
+    EXPECT_EQ(tooMany.consumed, 18);
+    const Parsed tooFew = parseBytes(format, "NAME      \x1bX1234\xff");
+    EXPECT_TRUE(tooFew.streamFailure);
+    EXPECT_EQ(tooFew.consumed, 17);
+}
+
+TEST_F(FormatTest, UnknownSelectorsSkipSilentlyToTheNextEscape)
+{
+    EXPECT_EQ(parseBytes(format, "NAME      \x1b#Qlost bytes\x1bVQmore\x1b" "D..\xff").error, "");
+}
+
+TEST_F(FormatTest, AnUnknownSelectorSwallowsAnEndMarkBeforeTheNextEscape)
+{
+    EXPECT_TRUE(parseBytes(format, "NAME      \x1b#Q\xff").streamFailure);
+    EXPECT_TRUE(parseBytes(format, "NAME      \x1bVQ\xff").streamFailure);
+}
+
+TEST_F(FormatTest, AnUnknownTopLevelByteReadsToTheEnd)
+{
+    const std::string bytes = "NAME      \x1bQ00000\xff\x1b" "D..\xff";
+    const Parsed parsed = parseBytes(format, bytes);
+    EXPECT_TRUE(parsed.streamFailure);
+    EXPECT_FALSE(format.isEmpty());
+}
+
+TEST_F(FormatTest, UnknownBytesBeyondTheTableReadToTheEnd)
+{
+    for (char selector : {'"', 'Y', 'Z', '\x7f', '\xff', 'a'}) {
+        SCOPED_TRACE(static_cast<int>(selector));
+        EXPECT_TRUE(parseBytes(format, std::string("NAME      \x1b") + selector + "\xff").streamFailure);
+    }
+}
+
+TEST_F(FormatTest, APersistentParseWithoutFileSystemIsRefused)
+{
+    for (unsigned mode : {1u, 2u}) {
+        const Parsed parsed = parseBytes(format, "NAME      \xff", mode);
+        EXPECT_EQ(parsed.error, "can't create a persistent format without sram file system");
+        EXPECT_EQ(parsed.consumed, 0);
+        EXPECT_TRUE(format.isEmpty());
+    }
+    EXPECT_EQ(parseBytes(format, "NAME      \xff", 3).error, "");
+}
+
+TEST_F(FormatTest, AFailedParseLeavesTheFormatNeitherEmptyNorLoaded)
+{
+    parseBytes(format, "NAME      A");
+    EXPECT_FALSE(format.isEmpty());
+    EXPECT_EQ(format.getName(), "NAME      ");
+    format.clear();
+    EXPECT_TRUE(format.isEmpty());
+    EXPECT_EQ(format.getName(), "No Format!");
+}
+
+TEST_F(FormatTest, ClearWipesTheImagesOfALoadedFormatOnly)
+{
+    Image background(64, 8);
+    KT_Format withBackground(nullptr, &image, &background);
+    image.setPixel(1, 1, 1);
+    background.setPixel(2, 2, 1);
+    withBackground.clear();
+    EXPECT_EQ(image.getPixel(1, 1), 1) << "an empty format leaves the images alone";
+
+    std::istringstream in("NAME      \xff");
+    withBackground.parse(in, nullptr, 0);
+    image.setPixel(1, 1, 1);
+    background.setPixel(2, 2, 1);
+    withBackground.clear();
+    EXPECT_EQ(image.getPixel(1, 1), 0);
+    EXPECT_EQ(background.getPixel(2, 2), 0);
+}
+
+TEST_F(FormatTest, ParsingAgainClearsFirst)
+{
+    parseBytes(format, "FIRST     \xff");
+    image.setPixel(3, 3, 1);
+    parseBytes(format, "SECOND    \xff");
+    EXPECT_EQ(format.getName(), "SECOND    ");
+    EXPECT_EQ(image.getPixel(3, 3), 0);
+}
+
+TEST_F(FormatTest, GraphicFileNamesCountUp)
+{
+    EXPECT_EQ(format.nextGraphicsFileName(), "gfx0.raw");
+    EXPECT_EQ(format.nextGraphicsFileName(), "gfx1.raw");
+}
+
+TEST_F(FormatTest, TheHysteresisScaleIsKept)
+{
+    format.setHysteresisScale(7);
+    EXPECT_EQ(format.getHysteresisScale(), 7u);
+}
+
+namespace {
+
+class KT_FormatElements : public testing::Test {
+protected:
+    void parseEmptyFormat()
+    {
+        std::istringstream in("EMPTY     \xff");
+        format.parse(in, nullptr, 0);
+    }
+
+    std::string readFixedField(const std::string& text)
+    {
+        std::istringstream in("F" + text + "\v");
+        return KT_FMT::readContentField(in, format);
+    }
+
+    std::vector<std::string> journal;  // outlives the elements that write into it
+    Image image{64, 8};
+    KT_Format format{nullptr, &image, nullptr};
+};
+
+}  // namespace
+
+TEST_F(KT_FormatElements, StartsWithAnEmptyCollection)
+{
+    EXPECT_EQ(format.getElements().size(), 0u);
+}
+
+TEST_F(KT_FormatElements, ParsingAgainRestartsGeneratedIds)
+{
+    parseEmptyFormat();
+    EXPECT_EQ(readFixedField("a"), "&0");
+    EXPECT_EQ(readFixedField("b"), "&1");
+    parseEmptyFormat();
+    EXPECT_EQ(format.getElements().size(), 0u);
+    EXPECT_EQ(readFixedField("c"), "&0");
+    EXPECT_EQ(format.getElements().getElement("&0").getResult(), "c");
+}
+
+TEST_F(KT_FormatElements, ClearEmptiesTheCollection)
+{
+    parseEmptyFormat();
+    readFixedField("a");
+    format.clear();
+    EXPECT_TRUE(format.isEmpty());
+    EXPECT_EQ(format.getElements().size(), 0u);
+    EXPECT_EQ(format.getElements().generateId(), "&0");
+}
+
+TEST_F(KT_FormatElements, UpdateTellsEveryElementItWasPainted)
+{
+    format.getElements().addElement("Xa", std::make_unique<ProbeElement>("", &journal, "Xa"));
+    format.getElements().addElement("Cb", std::make_unique<ProbeElement>("", &journal, "Cb"));
+    format.update();
+    EXPECT_EQ(journal, (std::vector<std::string>{"Xa update 0 0", "Cb update 0 0"}));
+}
