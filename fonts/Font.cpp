@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <iostream>
 #include <utility>
 
@@ -9,6 +10,7 @@
 #include "fonts/FontProvider.h"
 #include "fonts/FontTransforms.h"
 #include "fonts/Windows1252Table.h"
+#include "format/ContentEscapeReader.h"
 #include "graphics/Image.h"
 
 using KT_ERROR::kt_exception;
@@ -70,23 +72,24 @@ FT_Vector transformed(FT_Pos x, FT_Pos y, const FT_Matrix& matrix)
     return vector;
 }
 
+// From 0xA0 on the page agrees with Unicode.
 uint32_t windows1252(uint32_t byte)
 {
-    if (byte < 0x80 || byte >= 0xA0)
-        return byte;
-    return windows1252Table[byte - 0x80];
+    return byte < 0xA0 ? windows1252Table[byte - 0x80] : byte;
 }
 
-// The characters of a text as code points; bytes above 127 are read as Windows-1252.
+// One reader per pass, with the hooks that make code points of UNIC sequences and high bytes.
 class TextCharacters {
 public:
-    explicit TextCharacters(const std::string& text) : text(text) {}
-    bool hasNext() const { return position < text.size(); }
-    uint32_t next() { return windows1252(static_cast<unsigned char>(text[position++])); }
+    explicit TextCharacters(const std::string& text) : reader(Font::sequenceHook, Font::itemFilter)
+    {
+        reader.setContent(text);
+    }
+    bool hasNext() const { return reader.hasNext(); }
+    uint32_t next() { return reader.next().value; }
 
 private:
-    const std::string& text;
-    size_t position = 0;
+    KT_FMT::ContentEscapeReader reader;
 };
 
 // Gathers the 32 pixels of a bitmap row from byte `first` on, most significant first.
@@ -282,6 +285,22 @@ void Font::preloadDigits(int32_t fontNumber, int32_t size, int32_t orientation)
                              ->face;
     for (char digit = '0'; digit <= '9'; ++digit)
         lookupGlyph(&scaler, FT_Get_Char_Index(face, static_cast<FT_ULong>(digit)));
+}
+
+void Font::sequenceHook(std::string id, std::string parm, KT_FMT::ContentItem& item)
+{
+    if (id != "UNIC")
+        return;
+    item.type = KT_FMT::ITEM_UNICODE;
+    item.value = static_cast<uint32_t>(std::strtoul(parm.c_str(), nullptr, 16));
+}
+
+void Font::itemFilter(KT_FMT::ContentItem& item)
+{
+    if (item.type != KT_FMT::ITEM_BYTE || item.value < 0x80)
+        return;
+    item.type = KT_FMT::ITEM_UNICODE;
+    item.value = windows1252(item.value);
 }
 
 void Font::flushCache()

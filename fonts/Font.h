@@ -11,6 +11,10 @@
 
 class Image;
 
+namespace KT_FMT {
+struct ContentItem;
+}
+
 // Turns strings into ink on an Image at any quarter turn, and measures them. Faces, sizes and
 // rotated glyph bitmaps come from FreeType's cache; a face id is fontNumber * 4 + orientation.
 class Font {
@@ -35,6 +39,11 @@ public:
     void preloadDigits(int32_t fontNumber, int32_t size, int32_t orientation);
     // Forgets all faces, sizes and glyphs; a font directory or map that changed needs it.
     void flushCache();
+
+    // The hooks of the content reader: "UNIC" gives a code point, given in hexadecimal; bytes
+    // above 127 are read as Windows-1252. Other sequences draw nothing.
+    static void sequenceHook(std::string id, std::string parm, KT_FMT::ContentItem& item);
+    static void itemFilter(KT_FMT::ContentItem& item);
 
     // Opens the face of a face id for the cache manager: 0 on success, 1 on failure.
     static FT_Error requestFace(FTC_FaceID faceId, FT_Library library, FT_Pointer requestData, FT_Face* face);

@@ -2,17 +2,11 @@
 #include <cstdint>
 #include <string>
 
+#include "graphics/Area.h"
+
 struct Point {
     int32_t x;
     int32_t y;
-};
-
-// A box in dots, both corners inclusive. A box with nothing in it has right and bottom -1.
-struct Area {
-    int32_t left;
-    int32_t top;
-    int32_t right;
-    int32_t bottom;
 };
 
 // The drawing target. Colours: 0 erases, 1 inks, 2 inverts.
