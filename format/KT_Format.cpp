@@ -43,8 +43,26 @@ std::string KT_Format::parse(std::istream& stream, sram_address_stream* addressS
                 << std::setfill('0') << static_cast<int>(static_cast<unsigned char>(c)) << " (" << c << ")";
         throw KT_ERROR::parse_time_error(message.str());
     }
-    elements.broadcast(KT_AC::EVENT_PAINTED, 0);
+    paintParsed();
     return {};
+}
+
+// Static drawables first (into the background, if there is one), then the variable ones.
+void KT_Format::paintParsed()
+{
+    using namespace KT_AC;
+    if (background != nullptr) {
+        drawables.paintAll(*background, STAGE_STATIC);
+        drawables.paintAll(*background, STAGE_FINISH);
+        image->setBackground(background);
+        image->restoreArea({0, 0, static_cast<int32_t>(image->getWidth()), static_cast<int32_t>(image->getHeight())});
+    } else {
+        drawables.paintAll(*image, STAGE_STATIC);
+    }
+    drawables.paintAll(*image, STAGE_PRELOAD);
+    drawables.paintAll(*image, STAGE_VARIABLE);
+    drawables.paintAll(*image, STAGE_FINISH);
+    elements.broadcast(EVENT_PAINTED, 0);
 }
 
 void KT_Format::clear()
@@ -53,6 +71,7 @@ void KT_Format::clear()
         return;
     name = "No Format!";
     elements.clear();
+    drawables.clear();
     image->clear();
     if (background != nullptr)
         background->clear();
@@ -63,7 +82,41 @@ void KT_Format::update()
 {
     if (updatesHeld)
         return;
+    drawables.paintAll(*image, KT_AC::STAGE_UPDATE);
+    drawables.paintAll(*image, KT_AC::STAGE_FINISH);
     elements.broadcast(KT_AC::EVENT_PAINTED, 0);
+}
+
+void KT_Format::repaintPass()
+{
+    using namespace KT_AC;
+    drawables.paintAll(*image, STAGE_PRELOAD);
+    drawables.paintAll(*image, STAGE_STATIC);
+    drawables.paintAll(*image, STAGE_VARIABLE);
+    elements.broadcast(EVENT_PAINTED, 0);
+    elements.broadcast(EVENT_PRINTED, 0);
+}
+
+void KT_Format::measurePaint(uint32_t mode, uint32_t count, const std::string& path)
+{
+    using namespace KT_AC;
+    constexpr int32_t measuredWidth = 3200, measuredHeight = 1000;
+    if (mode == 1) {
+        for (int pass = 0; pass < 100; ++pass) {
+            image->rectangle(0, 0, measuredWidth, measuredHeight, 0);
+            elements.broadcast(EVENT_PRINTED, 0);
+            drawables.paintAll(*image, STAGE_VARIABLE);
+        }
+        image->saveBitmap(0, 0, measuredWidth, measuredHeight, path);
+    } else if (mode == 2) {
+        // count - 1 passes over the raster as it is, and a last one over a cleared raster.
+        for (uint32_t pass = 1; pass < count; ++pass)
+            repaintPass();
+        image->clear();
+        repaintPass();
+        if (!path.empty())
+            image->saveBitmap(0, 0, measuredWidth, measuredHeight, path);
+    }
 }
 
 std::string KT_Format::nextGraphicsFileName()

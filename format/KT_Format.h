@@ -4,6 +4,7 @@
 #include <string>
 
 #include "autocode/AC_ElementCollection.h"
+#include "drawables/DrawableList.h"
 
 class Image;
 class SimpleFS;
@@ -27,9 +28,14 @@ public:
     std::string parse(std::istream& stream, sram_address_stream* addressStream, unsigned mode);
     void clear();
     void update();
+    // Repeated painting for measuring: mode 1 repaints the variable drawables 100 times and saves the
+    // rectangle 0, 0, 3200, 1000 to `path`; mode 2 repaints everything `count` times, the last time on a
+    // cleared raster, and saves the same rectangle if a path is given.
+    void measurePaint(uint32_t mode, uint32_t count, const std::string& path);
 
     KT_AC::AC_ElementCollection& getElements() { return elements; }
     const KT_AC::AC_ElementCollection& getElements() const { return elements; }
+    KT_AC::DrawableList& getDrawables() { return drawables; }
     const std::string& getName() const { return name; }
     bool isEmpty() const { return empty; }
     Image* getImage() const { return image; }
@@ -41,9 +47,13 @@ public:
     std::string nextGraphicsFileName();
 
 private:
+    void paintParsed();
+    void repaintPass();
+
     bool updatesHeld = false;
     bool empty = true;
     KT_AC::AC_ElementCollection elements;
+    KT_AC::DrawableList drawables;
     std::string name = "No Format!";
     uint32_t graphicsCounter = 0;
     uint32_t hysteresisScale = 0;

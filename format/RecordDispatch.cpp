@@ -2,6 +2,11 @@
 
 #include <array>
 
+#include "drawables/Drawable_Box.h"
+#include "drawables/Drawable_Graphics.h"
+#include "drawables/Drawable_Invert.h"
+#include "graphics/Image.h"
+
 namespace KT_FMT {
 
 namespace {
@@ -24,6 +29,9 @@ void skipToNextEscape(ParseContext& context)
 void readHashRecord(ParseContext& context)
 {
     switch (readByte(context.in)) {
+    case 'I':
+        KT_AC::Drawable_Invert::read(context.in, context.format);
+        break;
     default:
         skipToNextEscape(context);
     }
@@ -35,6 +43,19 @@ void readVariableRecord(ParseContext& context)
     default:
         skipToNextEscape(context);
     }
+}
+
+void readBox(ParseContext& context)
+{
+    KT_AC::Drawable_Box::read(context.in, context.format);
+}
+
+// Graphics go beneath everything: into the background if there is one.
+void readGraphics(ParseContext& context)
+{
+    Image* background = context.format.getBackground();
+    KT_AC::Drawable_Graphics::read(context.in, context.format,
+                                   background != nullptr ? *background : *context.format.getImage());
 }
 
 // ESC D, ESC S and ESC X carry nothing that a format keeps.
@@ -55,6 +76,8 @@ constexpr std::array<RecordReader, 54> records = [] {
     std::array<RecordReader, 54> table{};
     table['#' - firstSelector] = readHashRecord;
     table['D' - firstSelector] = readD;
+    table['G' - firstSelector] = readGraphics;
+    table['L' - firstSelector] = readBox;
     table['S' - firstSelector] = readS;
     table['V' - firstSelector] = readVariableRecord;
     table['X' - firstSelector] = readX;
