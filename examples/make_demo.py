@@ -28,6 +28,11 @@ def graphic(x, y, rows):
     return ESC + b"G" + number(x) + number(y) + number(width_bytes) + number(len(rows)) + b"0" + bytes(data)
 
 
+def text(font, x, y, content, size, orientation=0, alignment=b"L", spacing=0, reversed_=False):
+    return (ESC + b"#T" + b"%02d" % font + number(x) + number(y) + b"%d" % orientation + (b"1" if reversed_ else b"0")
+            + b"F" + content + b"\x0b" + b"%02d" % size + alignment + b"%03d" % spacing)
+
+
 def logo(scale):
     """A diamond on a 32 x 32 grid, each cell scale x scale dots."""
     rows = []
@@ -48,6 +53,16 @@ records = b"".join([
     box(30, 320, 900, 250, 12, 12),            # lower frame
     invert(40, 420, 110, 60),                  # inverted band across the lower frame and the box below
     box(400, 380, 160, 160),
+    text(4, 480, 700, b"ktr-render", 28, alignment=b"C"),                 # centred on x 480
+    text(5, 40, 800, b"Left aligned at 40", 12),
+    text(5, 920, 800, b"Right aligned at 920", 12, alignment=b"R"),
+    text(2, 40, 880, b"Spacing 005", 12, spacing=5),
+    text(0, 40, 960, b"OCR-B 0123456789", 12),
+    text(6, 40, 1040, b"OCR-A 0123456789", 12),
+    text(5, 40, 1140, b" Reversed \x80 5,00 ", 14, reversed_=True),
+    text(3, 1000, 40, b"Turned a quarter", 12, orientation=1),
+    text(1, 1200, 700, b"Upside down", 12, orientation=2),
+    text(5, 1200, 560, b"Three quarters", 12, orientation=3),
 ])
 
 with open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "demo.esc"), "wb") as out:
