@@ -6,22 +6,12 @@
 #include "graphics/Image.h"
 #include "tests/cli/CliRunner.h"
 #include "tests/fonts/FontTestSupport.h"
-#include "tests/support/PixelCanvas.h"
 
 using namespace cli_test;
 
 namespace {
 
 const std::vector<std::string> fullKta1 = {"in=in.esc", "printer=KTA1", "trim=n", "width=1", "height=1"};
-
-PixelCanvas canvasOf(const Bitmap& bitmap)
-{
-    PixelCanvas canvas(bitmap.width, bitmap.height);
-    for (int32_t y = 0; y < bitmap.height; ++y)
-        for (int32_t x = 0; x < bitmap.width; ++x)
-            canvas.at(x, y) = bitmap.pixels[y][x];
-    return canvas;
-}
 
 class TextEndToEnd : public testing::Test {
 protected:
