@@ -11,6 +11,7 @@
 #include "cli/PrinterTable.h"
 #include "cli/VariablesFile.h"
 #include "errors/KT_Error.h"
+#include "fonts/FontProvider.h"
 #include "format/KT_Format.h"
 #include "graphics/Image.h"
 
@@ -140,6 +141,10 @@ int runRenderer(int argc, char** argv)
     settleDefault(arguments, "width", "640", quiet);
     settleDefault(arguments, "trim", "y", quiet);
 
+    // The provider lives to the end of the process; the map is settled even if the input fails.
+    fontProvider = std::make_unique<FontProvider>();
+    fontProvider->init(arguments["fontpath"]);
+
     std::ifstream escStream(in, std::ios::binary);
     if (!escStream.is_open()) {
         std::cout << "Error: Failed to open file: " << in << "\n";
@@ -147,7 +152,7 @@ int runRenderer(int argc, char** argv)
     }
     if (!quiet) {
         std::cout << "\nFound file: " << in << " (" << width << "x" << height << ")";
-        std::cout << "\nFontpath: " << arguments["fontpath"] << "/";
+        std::cout << "\nFontpath: " << fontProvider->getFontPath();
     }
 
     Image image(width, height);

@@ -7,6 +7,7 @@
 #include "drawables/Drawable_Box.h"
 #include "drawables/Drawable_Graphics.h"
 #include "drawables/Drawable_Invert.h"
+#include "drawables/Drawable_Text.h"
 #include "graphics/Image.h"
 
 namespace KT_FMT {
@@ -33,6 +34,9 @@ void readHashRecord(ParseContext& context)
     switch (readByte(context.in)) {
     case 'I':
         KT_AC::Drawable_Invert::read(context.in, context.format);
+        break;
+    case 'T':
+        KT_AC::Drawable_Text::read(context.in, context.format);
         break;
     default:
         skipToNextEscape(context);

@@ -1,5 +1,8 @@
 #pragma once
 #include <cstdint>
+#include <string>
+
+#include "graphics/Area.h"
 
 struct Point {
     int32_t x;
@@ -19,5 +22,8 @@ public:
     virtual void rectangle(int32_t x, int32_t y, int32_t w, int32_t h, int colour) = 0;
     virtual void rectangleCorners(int32_t x0, int32_t y0, int32_t x1, int32_t y1, int colour);
     virtual void clear();
+    // Alignment 0 is left, 1 centre, 2 right; spacing is 16.16 dots; area may be null.
+    virtual void drawText(int32_t x, int32_t y, int32_t size, int32_t fontNumber, std::string text,
+                          int32_t orientation, Area* area, int32_t alignment, int32_t spacing, bool reversed) = 0;
     virtual ~GraphicsContext() = default;
 };

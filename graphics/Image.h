@@ -26,6 +26,11 @@ public:
     using GraphicsContext::rectangle;
     void rectangle(int32_t x, int32_t y, int32_t w, int32_t h, int colour) override;
     void clear() override;
+    void drawText(int32_t x, int32_t y, int32_t size, int32_t fontNumber, std::string text, int32_t orientation,
+                  Area* area, int32_t alignment, int32_t spacing, bool reversed) override;
+    // The form of the test patterns and barcode texts: centred or left, painted or only measured.
+    void printText(int32_t x, int32_t y, int32_t size, int32_t fontNumber, const std::string& text,
+                   int32_t orientation, Area* area, bool centred, int32_t spacing, bool paint);
 
     bool isInside(int32_t x, int32_t y) const;
     uint32_t getLong(int32_t row, int32_t col) const;
@@ -51,6 +56,9 @@ public:
     void restoreArea(Area area);
 
 private:
+    // Glyphs are ORed into the rows directly; the band follows from the text's area afterwards.
+    friend class Font;
+
     int32_t wordsPerRow() const { return width / 32; }
     static uint32_t keepLeftOf(int32_t left);
     static uint32_t keepRightOf(int32_t right);

@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/PixelCanvas.h"
+
 namespace cli_test {
 
 struct RunResult {
@@ -71,6 +73,15 @@ inline Bitmap readBitmap(const std::filesystem::path& path)
         }
     }
     return bitmap;
+}
+
+inline PixelCanvas canvasOf(const Bitmap& bitmap)
+{
+    PixelCanvas canvas(bitmap.width, bitmap.height);
+    for (int32_t y = 0; y < bitmap.height; ++y)
+        for (int32_t x = 0; x < bitmap.width; ++x)
+            canvas.at(x, y) = bitmap.pixels[y][x];
+    return canvas;
 }
 
 inline std::string shellQuote(const std::string& word)

@@ -2,30 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <iomanip>
 #include <sstream>
 
 #include "errors/KT_Error.h"
 #include "format/KT_Format.h"
 #include "graphics/Image.h"
+#include "tests/support/EscapeRecords.h"
 #include "tests/support/ExpectFailure.h"
 #include "tests/support/PixelCanvas.h"
 
 using KT_FMT::KT_Format;
 
 namespace {
-
-std::string field(int32_t value)
-{
-    std::ostringstream out;
-    out << std::setw(5) << std::setfill('0') << value;
-    return out.str();
-}
-
-std::string boxRecord(int32_t x, int32_t y, int32_t w, int32_t h, int32_t vertical, int32_t horizontal)
-{
-    return "\x1bL" + field(x) + field(y) + field(w) + field(h) + field(vertical) + field(horizontal);
-}
 
 class BoxTest : public testing::Test {
 protected:
@@ -49,16 +37,7 @@ TEST_F(BoxTest, EveryThicknessPairDrawsItsBars)
             SCOPED_TRACE(testing::Message() << "vertical " << vertical << " horizontal " << horizontal);
             parse(boxRecord(x, y, w, h, vertical, horizontal));
             PixelCanvas expected(96, 40);
-            if (vertical == 0 && horizontal == 0)
-                expected.fill(x, y, w, h);
-            if (horizontal != 0) {
-                expected.fill(x, y, horizontal, h);
-                expected.fill(x + w - horizontal, y, horizontal, h);
-            }
-            if (vertical != 0) {
-                expected.fill(x, y, w, vertical);
-                expected.fill(x, y + h - vertical, w, vertical);
-            }
+            expected.frame(x, y, w, h, vertical, horizontal);
             EXPECT_TRUE(PixelCanvas::of(image) == expected);
             EXPECT_EQ(format.getDrawables().size(), 1u);
         }

@@ -2,47 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <iomanip>
 #include <sstream>
 
 #include "errors/KT_Error.h"
 #include "format/KT_Format.h"
 #include "graphics/Image.h"
+#include "tests/support/EscapeRecords.h"
 #include "tests/support/ExpectFailure.h"
 #include "tests/support/PixelCanvas.h"
 
 using KT_FMT::KT_Format;
 
 namespace {
-
-std::string field(int32_t value)
-{
-    std::ostringstream out;
-    out << std::setw(5) << std::setfill('0') << value;
-    return out.str();
-}
-
-// An ESC G record whose byte b of row r is pattern(r, b).
-template <class Pattern>
-std::string graphicRecord(int32_t x, int32_t y, int32_t widthBytes, int32_t rows, Pattern pattern)
-{
-    std::string record = "\x1bG" + field(x) + field(y) + field(widthBytes) + field(rows) + "#";
-    for (int32_t r = 0; r < rows; ++r)
-        for (int32_t b = 0; b < widthBytes; ++b)
-            record.push_back(static_cast<char>(pattern(r, b)));
-    return record;
-}
-
-// The dots of such a graphic, each byte's top bit leftmost.
-template <class Pattern>
-void drawGraphic(PixelCanvas& canvas, int32_t x, int32_t y, int32_t widthBytes, int32_t rows, Pattern pattern)
-{
-    for (int32_t r = 0; r < rows; ++r)
-        for (int32_t b = 0; b < widthBytes; ++b)
-            for (int bit = 0; bit < 8; ++bit)
-                if ((pattern(r, b) >> (7 - bit)) & 1)
-                    canvas.at(x + 8 * b + bit, y + r) = 1;
-}
 
 unsigned char mixed(int32_t r, int32_t b)
 {
@@ -73,7 +44,7 @@ TEST_F(GraphicsTest, RowsLandAtAnyShiftAndWidth)
         SCOPED_TRACE(testing::Message() << "x " << c.x << " width " << c.widthBytes);
         parse(graphicRecord(c.x, 2, c.widthBytes, 6, mixed));
         PixelCanvas expected(128, 20);
-        drawGraphic(expected, c.x, 2, c.widthBytes, 6, mixed);
+        expected.graphic(c.x, 2, c.widthBytes, 6, mixed);
         EXPECT_TRUE(PixelCanvas::of(image) == expected);
         EXPECT_EQ(format.getDrawables().size(), 1u);
     }
@@ -98,7 +69,7 @@ TEST_F(GraphicsTest, RasterBytesMayHoldEscapeAndTheEndMark)
     auto pattern = [](int32_t r, int32_t b) { return (r + b) % 2 == 0 ? 0x1B : 0xFF; };
     parse(graphicRecord(8, 1, 4, 3, pattern) + "\x1bL000000001900002000010000000000");
     PixelCanvas expected(128, 20);
-    drawGraphic(expected, 8, 1, 4, 3, pattern);
+    expected.graphic(8, 1, 4, 3, pattern);
     expected.fill(0, 19, 2, 1);
     EXPECT_TRUE(PixelCanvas::of(image) == expected);
 }
@@ -117,8 +88,8 @@ TEST_F(GraphicsTest, OverlappingGraphicsCombineWithOr)
     auto right = [](int32_t, int32_t) { return 0x0F; };
     parse(graphicRecord(0, 0, 2, 2, left) + graphicRecord(4, 1, 2, 2, right));
     PixelCanvas expected(128, 20);
-    drawGraphic(expected, 0, 0, 2, 2, left);
-    drawGraphic(expected, 4, 1, 2, 2, right);
+    expected.graphic(0, 0, 2, 2, left);
+    expected.graphic(4, 1, 2, 2, right);
     EXPECT_TRUE(PixelCanvas::of(image) == expected);
 }
 

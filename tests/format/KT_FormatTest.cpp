@@ -9,6 +9,7 @@
 #include "format/FieldReaders.h"
 #include "graphics/Image.h"
 #include "tests/autocode/ProbeElement.h"
+#include "tests/support/ExpectFailure.h"
 
 using KT_FMT::KT_Format;
 
@@ -265,4 +266,138 @@ TEST_F(KT_FormatElements, UpdateTellsEveryElementItWasPainted)
     format.getElements().addElement("Cb", std::make_unique<ProbeElement>("", &journal, "Cb"));
     format.update();
     EXPECT_EQ(journal, (std::vector<std::string>{"Xa update 0 0", "Cb update 0 0"}));
+}
+
+namespace {
+
+const std::string boxAt0 = "\x1bL000000000000008000040000000000";  // 8 x 4 at 0, 0
+const std::string invertAt0 = "\x1b#I00000000020000100002";     // 8 x 2 at 0, 2
+
+std::string pixelRow(Image& image, int32_t y, int32_t width)
+{
+    std::string row;
+    for (int32_t x = 0; x < width; ++x)
+        row += image.getPixel(x, y) ? '#' : '.';
+    return row;
+}
+
+}  // namespace
+
+TEST(KT_FormatPainting, WithABackgroundStaticsGoThereAndTheImageGetsACopy)
+{
+    Image image(64, 8);
+    Image background(64, 8);
+    KT_Format format(nullptr, &image, &background);
+    std::istringstream in("BACKGROUND" + invertAt0 + boxAt0 + "\xff");
+    format.parse(in, nullptr, 0);
+    EXPECT_EQ(image.getBackground(), &background);
+    EXPECT_EQ(pixelRow(background, 2, 10), "########..");
+    EXPECT_EQ(pixelRow(image, 1, 10), "########..");
+    EXPECT_EQ(pixelRow(image, 2, 10), "..........") << "the inverted area works on the main image";
+    EXPECT_EQ(pixelRow(image, 4, 10), "..........");
+    EXPECT_EQ(image.getFirstUsedRow(), 0);
+    EXPECT_EQ(image.getLastUsedRow(), 3) << "inverting widens the band even where ink went";
+}
+
+TEST(KT_FormatPainting, ABackgroundOfAnotherSizeFailsAfterTheStaticStage)
+{
+    Image image(64, 8);
+    Image background(64, 9);
+    KT_Format format(nullptr, &image, &background);
+    std::istringstream in("BACKGROUND" + boxAt0 + "\xff");
+    expectFailure<KT_ERROR::internal_error>([&] { format.parse(in, nullptr, 0); },
+                                            "background image must have same dimensions");
+    EXPECT_EQ(pixelRow(background, 0, 10), "########..");
+    EXPECT_EQ(pixelRow(image, 0, 10), "..........");
+}
+
+TEST(KT_FormatPainting, GraphicsGoIntoTheBackgroundWhenThereIsOne)
+{
+    Image image(64, 8);
+    Image background(64, 8);
+    KT_Format format(nullptr, &image, &background);
+    std::istringstream in("BACKGROUND\x1bG00000000010000100001#\xf0\xff");
+    format.parse(in, nullptr, 0);
+    EXPECT_EQ(pixelRow(background, 1, 8), "####....");
+    EXPECT_EQ(pixelRow(image, 1, 8), "####....");
+}
+
+TEST(KT_FormatPainting, AFormatWithoutDrawablesLeavesTheRasterBlank)
+{
+    Image image(64, 8);
+    KT_Format format(nullptr, &image, nullptr);
+    std::istringstream in("NOTHING   \xff");
+    format.parse(in, nullptr, 0);
+    for (int32_t y = 0; y < 8; ++y)
+        EXPECT_EQ(pixelRow(image, y, 64), std::string(64, '.'));
+    EXPECT_EQ(image.getFirstUsedRow(), 0);
+    EXPECT_EQ(image.getLastUsedRow(), 0);
+}
+
+TEST(KT_FormatPainting, TheFirstParseDoesNotClearTheRaster)
+{
+    Image image(64, 8);
+    image.setPixel(5, 5, 1);
+    KT_Format format(nullptr, &image, nullptr);
+    std::istringstream in("NOTHING   \xff");
+    format.parse(in, nullptr, 0);
+    EXPECT_EQ(image.getPixel(5, 5), 1) << "clearing an empty format leaves the images alone";
+}
+
+TEST(KT_FormatPainting, ParsingTellsTheElementsTheyWerePainted)
+{
+    std::vector<std::string> journal;
+    Image image(64, 8);
+    KT_Format format(nullptr, &image, nullptr);
+    std::istringstream in("PAINTED   \xff");
+    format.parse(in, nullptr, 0);
+    format.getElements().addElement("Xa", std::make_unique<ProbeElement>("", &journal, "Xa"));
+    format.update();
+    EXPECT_EQ(journal, (std::vector<std::string>{"Xa update 0 0"}));
+}
+
+TEST(KT_FormatMeasuring, ModeOneRepaintsTheVariablesAHundredTimesAndSaves)
+{
+    std::vector<std::string> journal;
+    Image image(3200, 1000);
+    KT_Format format(nullptr, &image, nullptr);
+    std::istringstream in("MEASURE   " + boxAt0 + invertAt0 + "\xff");
+    format.parse(in, nullptr, 0);
+    format.getElements().addElement("Xa", std::make_unique<ProbeElement>("", &journal, "Xa"));
+    const std::string path = testing::TempDir() + "measure1.bmp";
+    format.measurePaint(1, 7, path);
+    EXPECT_EQ(journal.size(), 100u);
+    EXPECT_EQ(journal.front(), "Xa update 1 0");
+    EXPECT_EQ(pixelRow(image, 0, 10), "..........") << "the box was erased and only the variables repainted";
+    EXPECT_EQ(pixelRow(image, 2, 10), "########..");
+    Image saved(3200, 1000);
+    ASSERT_TRUE(saved.loadBitmap(0, 0, path, false));
+    EXPECT_EQ(pixelRow(saved, 2, 10), "########..");
+    std::remove(path.c_str());
+}
+
+TEST(KT_FormatMeasuring, ModeTwoRepaintsEverythingTheLastTimeOnAClearedRaster)
+{
+    std::vector<std::string> journal;
+    Image image(3200, 1000);
+    KT_Format format(nullptr, &image, nullptr);
+    std::istringstream in("MEASURE   " + boxAt0 + "\xff");
+    format.parse(in, nullptr, 0);
+    format.getElements().addElement("Xa", std::make_unique<ProbeElement>("", &journal, "Xa"));
+    image.setPixel(100, 100, 1);
+    format.measurePaint(2, 3, "");
+    EXPECT_EQ(journal, (std::vector<std::string>{"Xa update 0 0", "Xa update 1 0", "Xa update 0 0", "Xa update 1 0",
+                                                 "Xa update 0 0", "Xa update 1 0"}));
+    EXPECT_EQ(image.getPixel(100, 100), 0);
+    EXPECT_EQ(pixelRow(image, 0, 10), "########..");
+}
+
+TEST(KT_FormatMeasuring, OtherModesDoNothing)
+{
+    Image image(64, 8);
+    KT_Format format(nullptr, &image, nullptr);
+    image.setPixel(1, 1, 1);
+    format.measurePaint(0, 3, "");
+    format.measurePaint(3, 3, "");
+    EXPECT_EQ(image.getPixel(1, 1), 1);
 }

@@ -1,34 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <vector>
 
 #include "errors/KT_Error.h"
 #include "graphics/Image.h"
-
-namespace {
-
-std::string throwsText(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const std::exception& error) {
-        return error.what();
-    }
-    return "nothing thrown";
-}
-
-// Every pixel of an image, row by row, for comparing against a reference.
-std::vector<int> pixelsOf(Image& image)
-{
-    std::vector<int> pixels;
-    for (int32_t y = 0; y < static_cast<int32_t>(image.getHeight()); ++y)
-        for (int32_t x = 0; x < static_cast<int32_t>(image.getWidth()); ++x)
-            pixels.push_back(image.getPixel(x, y));
-    return pixels;
-}
-
-}  // namespace
+#include "tests/support/ExpectFailure.h"
+#include "tests/support/PixelCanvas.h"
 
 TEST(ImageCompositing, OrLongShiftedSplitsAWordAcrossTwo)
 {
@@ -116,7 +93,7 @@ TEST(ImageCompositing, CropMarksDrawEightBarsAtTheCorners)
                                                                   {102, 94, 25, 5},
                                                                   {122, 74, 5, 25}})
         expected.rectangle(x, y, w, h, 1);
-    EXPECT_EQ(pixelsOf(image), pixelsOf(expected));
+    EXPECT_EQ(PixelCanvas::of(image).pixels, PixelCanvas::of(expected).pixels);
 }
 
 TEST(ImageCompositing, CropMarksClampAndIgnoreOtherStylesAndReversedCorners)
@@ -125,7 +102,7 @@ TEST(ImageCompositing, CropMarksClampAndIgnoreOtherStylesAndReversedCorners)
     clamped.cropMarks(-10, -10, 500, 500, 0);
     Image exact(128, 100);
     exact.cropMarks(0, 0, 127, 99, 0);
-    EXPECT_EQ(pixelsOf(clamped), pixelsOf(exact));
+    EXPECT_EQ(PixelCanvas::of(clamped).pixels, PixelCanvas::of(exact).pixels);
 
     Image untouched(128, 100);
     untouched.cropMarks(0, 0, 127, 99, 1);
@@ -133,7 +110,7 @@ TEST(ImageCompositing, CropMarksClampAndIgnoreOtherStylesAndReversedCorners)
     untouched.cropMarks(0, 99, 127, 0, 0);
     EXPECT_EQ(untouched.getFirstUsedRow(), 0);
     EXPECT_EQ(untouched.getLastUsedRow(), 0);
-    for (int v : pixelsOf(untouched))
+    for (int v : PixelCanvas::of(untouched).pixels)
         ASSERT_EQ(v, 0);
 }
 
@@ -196,13 +173,13 @@ TEST(ImageCompositing, RestoreAreaCopiesTheBackgroundInsideTheAreaOnly)
     Image image(96, 10);
     image.setBackground(&background);
     image.rectangle(10, 1, 70, 8, 1);
-    std::vector<int> expected = pixelsOf(image);
-    const std::vector<int> back = pixelsOf(background);
+    std::vector<int> expected = PixelCanvas::of(image).pixels;
+    const std::vector<int> back = PixelCanvas::of(background).pixels;
     for (int32_t y = 3; y <= 6; ++y)
         for (int32_t x = 5; x <= 70; ++x)
             expected[y * 96 + x] = back[y * 96 + x];
     image.restoreArea({5, 3, 70, 6});
-    EXPECT_EQ(pixelsOf(image), expected);
+    EXPECT_EQ(PixelCanvas::of(image).pixels, expected);
 }
 
 TEST(ImageCompositing, RestoreAreaKeepsTheBandTrue)

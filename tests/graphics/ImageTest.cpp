@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "errors/KT_Error.h"
+#include "tests/support/ExpectFailure.h"
 
 namespace {
 
@@ -20,15 +21,6 @@ std::string captureStdout(const std::function<void()>& action)
     return testing::internal::GetCapturedStdout();
 }
 
-std::string throwsText(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const std::exception& error) {
-        return error.what();
-    }
-    return "nothing thrown";
-}
 
 class TempDir : public testing::Test {
 protected:

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <exception>
+#include <functional>
 #include <string>
 #include <typeinfo>
 
@@ -16,4 +17,15 @@ void expectFailure(Action&& action, const std::string& text)
         EXPECT_TRUE(typeid(error) == typeid(Expected)) << "got " << typeid(error).name();
         EXPECT_EQ(std::string(error.what()), text);
     }
+}
+
+// The text of whatever the action throws, or "nothing thrown".
+inline std::string throwsText(const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+    return "nothing thrown";
 }

@@ -1,0 +1,69 @@
+#!/usr/bin/env python3
+"""Writes demo.esc, the example format that `make demo` renders. Edit here, then run it again."""
+import os
+
+ESC = b"\x1b"
+
+
+def number(value):
+    return b"%05d" % value
+
+
+def box(x, y, w, h, vertical=0, horizontal=0):
+    return ESC + b"L" + number(x) + number(y) + number(w) + number(h) + number(vertical) + number(horizontal)
+
+
+def invert(x, y, width_bytes, h):
+    return ESC + b"#I" + number(x) + number(y) + number(width_bytes) + number(h)
+
+
+def graphic(x, y, rows):
+    """rows: strings of '#' and '.', all of a length that is a multiple of 8."""
+    width_bytes = len(rows[0]) // 8
+    data = bytearray()
+    for row in rows:
+        for b in range(width_bytes):
+            bits = row[8 * b:8 * b + 8]
+            data.append(int(bits.replace("#", "1").replace(".", "0"), 2))
+    return ESC + b"G" + number(x) + number(y) + number(width_bytes) + number(len(rows)) + b"0" + bytes(data)
+
+
+def text(font, x, y, content, size, orientation=0, alignment=b"L", spacing=0, reversed_=False):
+    return (ESC + b"#T" + b"%02d" % font + number(x) + number(y) + b"%d" % orientation + (b"1" if reversed_ else b"0")
+            + b"F" + content + b"\x0b" + b"%02d" % size + alignment + b"%03d" % spacing)
+
+
+def logo(scale):
+    """A diamond on a 32 x 32 grid, each cell scale x scale dots."""
+    rows = []
+    for cy in range(32):
+        cells = "".join("#" if abs(cx - 15.5) + abs(cy - 15.5) < 14 else "." for cx in range(32))
+        row = "".join(c * scale for c in cells)
+        rows.extend([row] * scale)
+    return rows
+
+
+records = b"".join([
+    box(0, 0, 960, 600, 6, 6),                 # outer frame
+    box(30, 30, 400, 240, 2, 2),               # thin frame
+    box(60, 60, 120, 80),                      # solid box
+    box(220, 60, 180, 180, 30, 0),             # two horizontal bars
+    box(460, 30, 240, 240, 0, 20),             # two vertical bars
+    graphic(720, 40, logo(6)),                 # 192 x 192 diamond
+    box(30, 320, 900, 250, 12, 12),            # lower frame
+    invert(40, 420, 110, 60),                  # inverted band across the lower frame and the box below
+    box(400, 380, 160, 160),
+    text(4, 480, 700, b"ktr-render", 28, alignment=b"C"),                 # centred on x 480
+    text(5, 40, 800, b"Left aligned at 40", 12),
+    text(5, 920, 800, b"Right aligned at 920", 12, alignment=b"R"),
+    text(2, 40, 880, b"Spacing 005", 12, spacing=5),
+    text(0, 40, 960, b"OCR-B 0123456789", 12),
+    text(6, 40, 1040, b"OCR-A 0123456789", 12),
+    text(5, 40, 1140, b" Reversed \x80 5,00 ", 14, reversed_=True),
+    text(3, 1000, 40, b"Turned a quarter", 12, orientation=1),
+    text(1, 1200, 700, b"Upside down", 12, orientation=2),
+    text(5, 1200, 560, b"Three quarters", 12, orientation=3),
+])
+
+with open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "demo.esc"), "wb") as out:
+    out.write(ESC + b"F" + b"DEMO      " + records + b"\xff")

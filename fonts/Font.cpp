@@ -1,0 +1,359 @@
+#include "fonts/Font.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <iostream>
+#include <utility>
+
+#include "errors/KT_Error.h"
+#include "fonts/FontProvider.h"
+#include "fonts/FontTransforms.h"
+#include "fonts/Windows1252Table.h"
+#include "format/ContentEscapeReader.h"
+#include "graphics/Image.h"
+
+using KT_ERROR::kt_exception;
+
+Font processFont;
+
+namespace {
+
+constexpr FT_UInt maxFaces = 4;
+constexpr FT_UInt maxSizes = 8;
+constexpr FT_ULong maxBytes = 400000;
+// Text sizes in formats are tuned to this figure, not to the raster's 12 dots per millimetre.
+constexpr FT_UInt resolution = 303;
+constexpr FT_Int32 loadFlags = FT_LOAD_RENDER | FT_LOAD_MONOCHROME | FT_LOAD_NO_AUTOHINT | FT_LOAD_TARGET_MONO;
+static_assert(loadFlags == 167940);
+constexpr int32_t emptyEdge = 0x7FFFFFFF;
+constexpr uint32_t space = 32;
+
+// The pen is 16.16 in 32 bits and wraps as such far off the raster.
+int32_t wrap(int64_t value)
+{
+    return static_cast<int32_t>(static_cast<uint32_t>(value));
+}
+
+struct Pen {
+    int32_t x;
+    int32_t y;
+
+    void add(int64_t dx, int64_t dy)
+    {
+        x = wrap(int64_t{x} + dx);
+        y = wrap(int64_t{y} + dy);
+    }
+    int32_t dotX() const { return x >> 16; }
+    int32_t dotY() const { return y >> 16; }
+};
+
+FTC_ScalerRec makeScaler(int32_t faceId, int32_t size)
+{
+    FTC_ScalerRec scaler{};
+    scaler.face_id = reinterpret_cast<FTC_FaceID>(static_cast<intptr_t>(faceId));
+    scaler.width = static_cast<FT_UInt>(size * 64);
+    scaler.height = static_cast<FT_UInt>(size * 64);
+    scaler.pixel = 0;
+    scaler.x_res = resolution;
+    scaler.y_res = resolution;
+    return scaler;
+}
+
+const FT_Matrix& penTransform(int32_t orientation)
+{
+    return penTransforms[static_cast<size_t>(orientation & 3)];
+}
+
+FT_Vector transformed(FT_Pos x, FT_Pos y, const FT_Matrix& matrix)
+{
+    FT_Vector vector{x, y};
+    FT_Vector_Transform(&vector, &matrix);
+    return vector;
+}
+
+// From 0xA0 on the page agrees with Unicode.
+uint32_t windows1252(uint32_t byte)
+{
+    return byte < 0xA0 ? windows1252Table[byte - 0x80] : byte;
+}
+
+// One reader per pass, with the hooks that make code points of UNIC sequences and high bytes.
+class TextCharacters {
+public:
+    explicit TextCharacters(const std::string& text) : reader(Font::sequenceHook, Font::itemFilter)
+    {
+        reader.setContent(text);
+    }
+    bool hasNext() const { return reader.hasNext(); }
+    uint32_t next() { return reader.next().value; }
+
+private:
+    KT_FMT::ContentEscapeReader reader;
+};
+
+// Gathers the 32 pixels of a bitmap row from byte `first` on, most significant first.
+uint32_t gatherWord(const unsigned char* row, int32_t pitch, int32_t first)
+{
+    uint32_t word = 0;
+    for (int32_t i = first; i < first + 4; ++i)
+        word = (word << 8) | (i < pitch ? row[i] : 0u);
+    return word;
+}
+
+}  // namespace
+
+Font::Font()
+{
+    if (FT_Init_FreeType(&library) != 0)
+        throw kt_exception("Font: error initializing the font library");
+    if (const FT_Error error = FTC_Manager_New(library, maxFaces, maxSizes, maxBytes, requestFace, nullptr, &manager))
+        throw kt_exception(KT_ERROR::text("Error initializing the cache manager: ", error));
+    if (const FT_Error error = FTC_ImageCache_New(manager, &imageCache))
+        throw kt_exception(KT_ERROR::text("error initializing the image cache: ", error));
+}
+
+Font::~Font()
+{
+    FTC_Manager_Done(manager);
+    FT_Done_FreeType(library);
+}
+
+FT_Error Font::requestFace(FTC_FaceID faceId, FT_Library library, FT_Pointer, FT_Face* face)
+{
+    const auto id = static_cast<int32_t>(reinterpret_cast<intptr_t>(faceId));
+    const int32_t orientation = id & 3;
+    const int32_t number = id >> 2;
+    if (fontProvider == nullptr || !fontProvider->isMapped(number))
+        return 1;
+    const std::string path = fontProvider->getFontPath() + fontProvider->getFontFile(number);
+    if (FT_New_Face(library, path.c_str(), 0, face) != 0)
+        return 1;
+    FT_Matrix matrix = faceTransforms[static_cast<size_t>(orientation)];
+    FT_Set_Transform(*face, &matrix, nullptr);
+    return 0;
+}
+
+FT_Size Font::lookupSize(FTC_Scaler scaler, const std::string& failure, const char* nullFailure)
+{
+    FT_Size size = nullptr;
+    if (const FT_Error error = FTC_Manager_LookupSize(manager, scaler, &size))
+        throw kt_exception(KT_ERROR::text(failure, error));
+    if (size == nullptr)
+        throw kt_exception(nullFailure);
+    return size;
+}
+
+// The lookup's result is not looked at: a glyph the font lacks comes as its glyph 0.
+FT_Glyph Font::lookupGlyph(FTC_Scaler scaler, FT_UInt glyphIndex)
+{
+    FT_Glyph glyph = nullptr;
+    FTC_ImageCache_LookupScaler(imageCache, scaler, loadFlags, glyphIndex, &glyph, nullptr);
+    return glyph;
+}
+
+void Font::renderText(int32_t x, int32_t y, int32_t fontNumber, int32_t size, const std::string& text,
+                      int32_t orientation, Area* area, Image* target, int32_t spacing)
+{
+    FTC_ScalerRec scaler = makeScaler(fontNumber * 4 + orientation, size);
+    const FT_Face face =
+        lookupSize(&scaler, KT_ERROR::text("Font::drawText() error acquiring size ", fontNumber, ": "),
+                   "Font::drawText() error acquiring size, pointer NULL: ")
+            ->face;
+    if (area != nullptr) {
+        area->left = target != nullptr ? target->width : emptyEdge;
+        area->top = target != nullptr ? target->height : emptyEdge;
+        area->right = -1;
+        area->bottom = -1;
+    }
+    const FT_Matrix& matrix = penTransform(orientation);
+    const bool hasKerning = FT_HAS_KERNING(face);
+    FT_UInt previous = 0;
+    Pen pen{wrap(int64_t{x} * 65536), wrap(int64_t{y} * 65536)};
+
+    TextCharacters characters(text);
+    while (characters.hasNext()) {
+        const uint32_t symbol = characters.next();
+        const FT_UInt glyphIndex = FT_Get_Char_Index(face, symbol);
+        const FT_Glyph glyph = lookupGlyph(&scaler, glyphIndex);
+        if (hasKerning && previous != 0 && glyphIndex != 0) {
+            FT_Vector delta{};
+            FT_Get_Kerning(face, previous, glyphIndex, FT_KERNING_UNFITTED, &delta);
+            const FT_Vector turned = transformed(delta.x, delta.y, matrix);
+            pen.add(turned.x * 1024, turned.y * 1024);
+        }
+        if (glyph == nullptr || glyph->format != FT_GLYPH_FORMAT_BITMAP) {
+            std::cout << "Received wrong glyph type from cache";
+            return;
+        }
+        const auto bitmapGlyph = reinterpret_cast<FT_BitmapGlyph>(glyph);
+        if (area != nullptr && symbol != space) {
+            FT_BBox box{};
+            FT_Glyph_Get_CBox(glyph, FT_GLYPH_BBOX_PIXELS, &box);
+            area->right = std::max<int64_t>(area->right, pen.dotX() + box.xMax);
+            area->bottom = std::max<int64_t>(area->bottom, pen.dotY() - box.yMin);
+            area->left = std::min<int64_t>(area->left, pen.dotX() + box.xMin);
+            area->top = std::min<int64_t>(area->top, pen.dotY() - box.yMax);
+        }
+        if (target != nullptr)
+            blitGlyph(*target, bitmapGlyph->bitmap, pen.dotX() + bitmapGlyph->left, pen.dotY() - bitmapGlyph->top);
+        pen.add(glyph->advance.x, -glyph->advance.y);
+        if (spacing != 0) {
+            const FT_Vector extra = transformed(spacing, 0, matrix);
+            pen.add(extra.x, extra.y);
+        }
+        previous = glyphIndex;
+    }
+}
+
+// ORs a mono bitmap into the rows word by word, clipping silently at every edge.
+void Font::blitGlyph(Image& target, const FT_Bitmap& bitmap, int32_t left, int32_t top)
+{
+    if (bitmap.pixel_mode != FT_PIXEL_MODE_MONO) {
+        std::cout << "Error: Invalid bitmap mode";
+        return;
+    }
+    const int32_t rowWords = target.wordsPerRow();
+    const int32_t rows = static_cast<int32_t>(bitmap.rows);
+    const int32_t width = static_cast<int32_t>(bitmap.width);
+    const int32_t shift = left & 31;
+    // Deliberately one word less for every negative left, even a multiple of 32.
+    const int32_t firstWord = left / 32 - (left < 0 ? 1 : 0);
+    for (int32_t r = std::max(0, -top); r < rows && top + r < target.height; ++r) {
+        const unsigned char* source = bitmap.buffer + static_cast<ptrdiff_t>(r) * bitmap.pitch;
+        uint32_t* row = target.rows[top + r];
+        for (int32_t c = 0; c * 32 <= width; ++c) {
+            const uint32_t word = gatherWord(source, bitmap.pitch, c * 4);
+            const int32_t t = firstWord + c;
+            if (t >= rowWords)
+                break;
+            if (t >= 0)
+                row[t] |= word >> shift;
+            if (shift == 0)
+                continue;
+            if (t + 1 >= rowWords)
+                break;
+            if (t + 1 >= 0)
+                row[t + 1] |= word << (32 - shift);
+        }
+    }
+}
+
+int32_t Font::getBaselineLength(int32_t fontNumber, int32_t size, const std::string& text, int32_t spacing)
+{
+    FTC_ScalerRec scaler = makeScaler(fontNumber * 4, size);
+    const FT_Face face = lookupSize(&scaler, "Font::getBaselineLength() error acquiring size: ",
+                                    "Font::getBaselineLength() error acquiring size, pointer NULL: ")
+                             ->face;
+    const bool hasKerning = FT_HAS_KERNING(face);
+    FT_UInt previous = 0;
+    int32_t length = 0;
+    TextCharacters characters(text);
+    while (characters.hasNext()) {
+        const FT_UInt glyphIndex = FT_Get_Char_Index(face, characters.next());
+        const FT_Glyph glyph = lookupGlyph(&scaler, glyphIndex);
+        if (hasKerning && previous != 0 && glyphIndex != 0) {
+            FT_Vector delta{};
+            FT_Get_Kerning(face, previous, glyphIndex, FT_KERNING_UNFITTED, &delta);
+            length = wrap(int64_t{length} + delta.x * 1024);
+        }
+        // The gap behind the last character doesn't belong to the string's length.
+        if (characters.hasNext())
+            length = wrap(int64_t{length} + spacing);
+        if (glyph != nullptr)
+            length = wrap(int64_t{length} + glyph->advance.x);
+        previous = glyphIndex;
+    }
+    return length >> 16;
+}
+
+void Font::getSizeMetrics(int32_t fontNumber, int32_t size, int32_t orientation, FT_Pos& ascender,
+                          FT_Pos& descender)
+{
+    FTC_ScalerRec scaler = makeScaler(fontNumber * 4 + orientation, size);
+    const FT_Size ftSize = lookupSize(&scaler, KT_ERROR::text("Font::drawText() error acquiring size ", fontNumber, ": "),
+                                      "Font::drawText() error acquiring size, pointer NULL: ");
+    ascender = ftSize->metrics.ascender;
+    descender = ftSize->metrics.descender;
+}
+
+void Font::preloadDigits(int32_t fontNumber, int32_t size, int32_t orientation)
+{
+    FTC_ScalerRec scaler = makeScaler(fontNumber * 4 + orientation, size);
+    const FT_Face face = lookupSize(&scaler, "Font::drawText() error acquiring size: ",
+                                    "Font::drawText() error acquiring size, pointer NULL: ")
+                             ->face;
+    for (char digit = '0'; digit <= '9'; ++digit)
+        lookupGlyph(&scaler, FT_Get_Char_Index(face, static_cast<FT_ULong>(digit)));
+}
+
+void Font::sequenceHook(std::string id, std::string parm, KT_FMT::ContentItem& item)
+{
+    if (id != "UNIC")
+        return;
+    item.type = KT_FMT::ITEM_UNICODE;
+    item.value = static_cast<uint32_t>(std::strtoul(parm.c_str(), nullptr, 16));
+}
+
+void Font::itemFilter(KT_FMT::ContentItem& item)
+{
+    if (item.type != KT_FMT::ITEM_BYTE || item.value < 0x80)
+        return;
+    item.type = KT_FMT::ITEM_UNICODE;
+    item.value = windows1252(item.value);
+}
+
+void Font::flushCache()
+{
+    FTC_Manager_Reset(manager);
+}
+
+void Font::drawText(int32_t x, int32_t y, int32_t fontNumber, int32_t size, std::string text, int32_t orientation,
+                    Area* area, Image* target, int32_t alignment, int32_t spacing, bool reversed)
+{
+    Area localArea{};
+    Area& box = area != nullptr ? *area : localArea;
+    const FT_Matrix& matrix = penTransform(orientation);
+    int32_t anchorX = x;
+    int32_t anchorY = y;
+    if (alignment != 0) {
+        int64_t offset = 0;
+        if (alignment == 1) {
+            // The width is measured unrotated and then turned with the text.
+            Area measure{};
+            renderText(x, y, fontNumber, size, text, 0, &measure, nullptr, spacing);
+            const int64_t width = int64_t{measure.right} - measure.left + 1;
+            offset = width / 2 + (int64_t{measure.left} - x);
+        } else {
+            offset = getBaselineLength(fontNumber, size, text, spacing);
+        }
+        const FT_Vector translation = transformed(wrap(offset), 0, matrix);
+        anchorX = wrap(anchorX - translation.x);
+        anchorY = wrap(anchorY - translation.y);
+    }
+
+    const bool boxed = reversed && target != nullptr;
+    if (boxed) {
+        renderText(anchorX, anchorY, fontNumber, size, text, orientation, &box, nullptr, spacing);
+        FT_Pos ascender = 0;
+        FT_Pos descender = 0;
+        getSizeMetrics(fontNumber, size, orientation, ascender, descender);
+        // 26.6 to whole dots, rounded, and turned to a y axis pointing down.
+        const auto dots = [](FT_Pos value) { return -(((value >> 5) + 1) >> 1); };
+        FT_Vector top = transformed(0, dots(ascender), matrix);
+        FT_Vector bottom = transformed(0, dots(descender), matrix);
+        for (FT_Vector* corner : {&top, &bottom}) {
+            corner->x += anchorX;
+            corner->y += anchorY;
+            box.left = wrap(std::min<int64_t>(box.left, corner->x));
+            box.right = wrap(std::max<int64_t>(box.right, corner->x));
+            box.top = wrap(std::min<int64_t>(box.top, corner->y));
+            box.bottom = wrap(std::max<int64_t>(box.bottom, corner->y));
+        }
+        box.right = wrap(int64_t{box.right} + 1);
+        target->rectangleCorners(box.left, box.top, box.right, box.bottom, 0);
+    }
+    renderText(anchorX, anchorY, fontNumber, size, text, orientation, boxed ? nullptr : &box, target, spacing);
+    if (boxed)
+        target->rectangleCorners(box.left, box.top, box.right, box.bottom, 2);
+}
