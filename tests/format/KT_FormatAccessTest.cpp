@@ -12,6 +12,8 @@
 #include "format/KT_Format.h"
 #include "graphics/Image.h"
 #include "tests/autocode/ProbeElement.h"
+#include "tests/fonts/FontTestSupport.h"
+#include "tests/support/EscapeRecords.h"
 #include "tests/support/ExpectFailure.h"
 #include "tests/support/PixelCanvas.h"
 
@@ -436,4 +438,38 @@ TEST(FormatAccess, ALongProfileSlidesAWindowOf150Rows)
     reversed.insert(reversed.end(), 10, 255);
     reversed.push_back(253);
     EXPECT_EQ(backward, reversed);
+}
+
+namespace {
+
+class TextRepaintTest : public fonttest::FontFixture {
+protected:
+    Image image{320, 100};
+    KT_Format format{nullptr, &image, nullptr};
+};
+
+}  // namespace
+
+TEST_F(TextRepaintTest, ATextBoundToAVariableBlanksItsOldAreaOverTheBoxAndDrawsTheNewValue)
+{
+    // The box runs through the text's line, above the baseline.
+    std::istringstream in("TEXTREPAIN" + prompted("t", "WWWWWW", "P", "0 0000", "0009") + boxRecord(0, 50, 320, 8, 0, 0) +
+                          ESC + "#T05000100006000VIt" + VT + "08L000" + "\xff");
+    format.parse(in, nullptr, 0);
+
+    Image reference(320, 100);
+    reference.rectangle(0, 50, 320, 8, 1);
+    Area old;
+    reference.drawText(10, 60, 8, 5, "WWWWWW", 0, &old, 0, 0, false);
+    EXPECT_TRUE(PixelCanvas::of(image) == PixelCanvas::of(reference)) << "the parse paints the box, then the text";
+
+    format.setContentOfElement("VIt", "I");
+    reference.restoreArea(old);
+    Area fresh;
+    reference.drawText(10, 60, 8, 5, "I", 0, &fresh, 0, 0, false);
+    EXPECT_TRUE(PixelCanvas::of(image) == PixelCanvas::of(reference));
+    // Where the old text stood the box is gone, behind the new one; outside the old area it stands.
+    EXPECT_EQ(image.getPixel(old.right - 1, 53), 0);
+    EXPECT_EQ(image.getPixel(old.right + 2, 53), 1);
+    EXPECT_LT(fresh.right, old.right - 1);
 }
