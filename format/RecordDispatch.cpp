@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "autocode/AC_Date.h"
+#include "autocode/FormulaReader.h"
 #include "drawables/Drawable_Box.h"
 #include "drawables/Drawable_Graphics.h"
 #include "drawables/Drawable_Invert.h"
@@ -40,6 +42,12 @@ void readHashRecord(ParseContext& context)
 void readVariableRecord(ParseContext& context)
 {
     switch (readByte(context.in)) {
+    case 'D':
+        KT_AC::readDateRecord(context.in, context.format);
+        break;
+    case 'F':
+        KT_AC::readFormulaRecord(context.in, context.format);
+        break;
     default:
         skipToNextEscape(context);
     }
