@@ -99,8 +99,8 @@ private:
     {
         const size_t start = position;
         // An odd format ends in a code whose second character is the terminating zero.
-        const std::array<char, 3> code = {dateFormat[start], start + 1 < dateFormat.size() ? dateFormat[start + 1] : '\0',
-                                          '\0'};
+        const char second = start + 1 < dateFormat.size() ? dateFormat[start + 1] : '\0';
+        const std::array<char, 3> code = {dateFormat[start], second, '\0'};
         position = std::min(start + 2, dateFormat.size());
         switch (std::atoi(code.data())) {
         case 1: return printTime("%d", fields);

@@ -292,7 +292,8 @@ TEST(DateFormat, MondayWeeksAgreeWithIsoWeeksOverThirtyYears)
 {
     const ClockState keep;
     firstWeekday = 1;
-    for (std::tm day = fieldsAt(2000, 1, 1); day.tm_year < 2030 - 1900; day = fieldsAt(day.tm_year + 1900, day.tm_mon + 1, day.tm_mday + 1)) {
+    for (std::tm day = fieldsAt(2000, 1, 1); day.tm_year < 2030 - 1900;
+         day = fieldsAt(day.tm_year + 1900, day.tm_mon + 1, day.tm_mday + 1)) {
         char iso[8] = {};
         std::strftime(iso, sizeof iso, "%V", &day);
         ASSERT_EQ(print("03", day), iso) << day.tm_year + 1900 << "-" << day.tm_mon + 1 << "-" << day.tm_mday;

@@ -120,7 +120,8 @@ TEST(EscapeFilterStreamBuf, TwoLegacyVariablesWithOnePromptMakeOneVariable)
 {
     const std::string input = bytes("~T" + textHead + "0VRibbon:|first|~T" + textHead + "0VRibbon:|second|~T" +
                                     textHead + "0FAB|");
-    EXPECT_EQ(filtered(input), bytes("~VI_rpl_old00|first|Ribbon:|0000000000||~#T050012700326" "00" "VI_rpl_old00|06L000"
+    EXPECT_EQ(filtered(input), bytes("~VI_rpl_old00|first|Ribbon:|0000000000||"
+                                     "~#T050012700326" "00" "VI_rpl_old00|06L000"
                                      "~#T050012700326" "00" "VI_rpl_old00|06L000"
                                      "~VF_rpl_old02|000000000FAB||~#T050012700326" "00" "VF_rpl_old02|06L000"));
 }

@@ -175,7 +175,8 @@ TEST_F(LegacyConversionTest, BarcodeTypesWithoutAParameterRuleFail)
 
 TEST_F(LegacyConversionTest, ABarcodeWithoutUdFails)
 {
-    expectConversionFailure<KT_ERROR::bad_escape_sequence>('B', "000001000020001000XD02020202", "user defined parameters not found");
+    expectConversionFailure<KT_ERROR::bad_escape_sequence>('B', "000001000020001000XD02020202",
+                                                           "user defined parameters not found");
     EXPECT_EQ(rest(), "02020202");
     expectConversionFailure<KT_ERROR::bad_escape_sequence>('B', "0000010", "user defined parameters not found");
 }
@@ -183,7 +184,8 @@ TEST_F(LegacyConversionTest, ABarcodeWithoutUdFails)
 TEST_F(LegacyConversionTest, AnUnknownContentTypeFails)
 {
     expectConversionFailure<KT_ERROR::bad_escape_sequence>(
-        'T', textHead + "0X", "error parsing old text escape sequence, type must be 'F', 'V', 'S', 'T' or 'R', got: 'X'");
+        'T', textHead + "0X",
+        "error parsing old text escape sequence, type must be 'F', 'V', 'S', 'T' or 'R', got: 'X'");
     expectConversionFailure<KT_ERROR::bad_escape_sequence>(
         'B', barcodeHead("00") + "02020202" "dropped!" "0" "f",
         "error parsing old text escape sequence, type must be 'F', 'V', 'S', 'T' or 'R', got: 'f'");
@@ -193,7 +195,8 @@ TEST_F(LegacyConversionTest, ATextKindOtherThanZeroOrThreeFails)
 {
     for (const std::string kind : {"1", "9", ""}) {
         SCOPED_TRACE(kind);
-        expectConversionFailure<KT_ERROR::bad_escape_sequence>('T', textHead + kind, "0 or 3 missing in the esc. T  seq.");
+        expectConversionFailure<KT_ERROR::bad_escape_sequence>('T', textHead + kind,
+                                                               "0 or 3 missing in the esc. T  seq.");
     }
 }
 
@@ -203,9 +206,9 @@ TEST_F(LegacyConversionTest, AContentTextWithoutVtFails)
     expectConversionFailure<KT_ERROR::bad_escape_sequence>('T', textHead + "0FAB", missing);
     expectConversionFailure<KT_ERROR::bad_escape_sequence>('T', textHead + "0VPrompt", missing);
     expectConversionFailure<KT_ERROR::bad_escape_sequence>('T', textHead + "0VPrompt|default", missing);
-    expectConversionFailure<KT_ERROR::bad_escape_sequence>('T', textHead + "0R" + std::string(36, '0') + "pre", missing);
-    expectConversionFailure<KT_ERROR::bad_escape_sequence>('T', textHead + "0R" + std::string(36, '0') + "pre|suf",
-                                                           missing);
+    const std::string counter = textHead + "0R" + std::string(36, '0');
+    expectConversionFailure<KT_ERROR::bad_escape_sequence>('T', counter + "pre", missing);
+    expectConversionFailure<KT_ERROR::bad_escape_sequence>('T', counter + "pre|suf", missing);
 }
 
 TEST_F(LegacyConversionTest, ADateWithLetterNineHasFixedOffsetsAndNoFormula)
@@ -264,7 +267,8 @@ TEST_F(LegacyConversionTest, ADateFormatIsKeptAsItStands)
 
 TEST_F(LegacyConversionTest, FixedFieldsComeOutShortAtTheEndOfTheSource)
 {
-    EXPECT_EQ(convert('T', textHead + "301|9001"), bytes("~VD_rpl_old00|01|F001~#T050012700326" "00" "VD_rpl_old00|06L000"));
+    EXPECT_EQ(convert('T', textHead + "301|9001"),
+              bytes("~VD_rpl_old00|01|F001~#T050012700326" "00" "VD_rpl_old00|06L000"));
 }
 
 namespace {
@@ -272,7 +276,8 @@ namespace {
 // A source that reports the end a few times before the rest of its bytes arrive.
 class StutteringSource : public std::streambuf {
 public:
-    StutteringSource(std::string head, int gaps, std::string tail) : head(std::move(head)), gaps(gaps), tail(std::move(tail))
+    StutteringSource(std::string head, int gaps, std::string tail)
+        : head(std::move(head)), gaps(gaps), tail(std::move(tail))
     {
         setg(this->head.data(), this->head.data(), this->head.data() + this->head.size());
     }
