@@ -1,10 +1,16 @@
 #pragma once
+#include <array>
+#include <cstdint>
+#include <map>
 #include <streambuf>
+#include <string>
 
 namespace KT_FMT {
 
-// Stands between an escape file and the parser. It takes one byte at a time from its source,
-// so that the source's position always tells how far the parser has read.
+// Stands between an escape file and the parser: legacy ESC B and ESC T records are rewritten into
+// present-day records, and the raster bytes of ESC G pass without being taken for sequences. Every
+// other byte is taken from the source one at a time, so that the source's position tells how far the
+// parser has read.
 class EscapeFilterStreamBuf : public std::streambuf {
 public:
     explicit EscapeFilterStreamBuf(std::streambuf* source) : source(source) {}
@@ -13,8 +19,22 @@ protected:
     int_type underflow() override;
 
 private:
+    int_type takeRaw();
+    int_type takeEscape();
+    int_type offer(int_type c);
+    int_type offerBytes(uint32_t length);
+    void noteGraphicsHeader(char c);
+
+    uint32_t replacementCounter = 0;
+    std::array<char, 1024> buffer{};
     std::streambuf* source;
-    char getBuffer = 0;
+    uint32_t capacity = 1024;
+    // A legacy variable's prompt and the reference made up for it.
+    std::map<std::string, std::string> variableIds;
+    uint32_t rawBytesLeft = 0;
+    // The ESC G header passes like raster bytes and is read on the way, for the size of the raster behind it.
+    std::string graphicsHeader;
+    uint32_t headerBytesLeft = 0;
 };
 
 }  // namespace KT_FMT

@@ -4,6 +4,7 @@
 #include <istream>
 #include <sstream>
 
+#include "autocode/DateClock.h"
 #include "errors/KT_Error.h"
 #include "format/EscapeFilterStreamBuf.h"
 #include "format/RecordDispatch.h"
@@ -59,6 +60,8 @@ void KT_Format::paintParsed()
     } else {
         drawables.paintAll(*image, STAGE_STATIC);
     }
+    // One reading of the clock for the whole paint, so that all dates agree.
+    refreshNow();
     drawables.paintAll(*image, STAGE_PRELOAD);
     drawables.paintAll(*image, STAGE_VARIABLE);
     drawables.paintAll(*image, STAGE_FINISH);

@@ -3,7 +3,9 @@
 #include <array>
 
 #include "autocode/AC_Counter.h"
+#include "autocode/AC_Date.h"
 #include "autocode/AC_VariableString.h"
+#include "autocode/FormulaReader.h"
 #include "drawables/Drawable_Box.h"
 #include "drawables/Drawable_Graphics.h"
 #include "drawables/Drawable_Invert.h"
@@ -56,6 +58,12 @@ void readVariableRecord(ParseContext& context)
     case 'X':
         KT_AC::AC_VariableString::readVariableRecord(context.in, context.format, context.mode, true,
                                                      context.addressStream);
+        break;
+    case 'D':
+        KT_AC::readDateRecord(context.in, context.format);
+        break;
+    case 'F':
+        KT_AC::readFormulaRecord(context.in, context.format);
         break;
     default:
         skipToNextEscape(context);

@@ -267,3 +267,57 @@ TEST(EndToEnd, ABitmapThatCannotBeWrittenIsReportedAndTheRunSucceeds)
                               "Can't open bmp file for writing");
     EXPECT_EQ(run.exitCode, 0);
 }
+
+TEST(EndToEnd, DatesAndFormulasWithoutDrawablesLeaveABlankFormat)
+{
+    const RunResult run = runCase("dates_and_formulas.esc", "in.esc", {"in=in.esc"});
+    EXPECT_EQ(run.output, defaultRunOutput("in.esc"));
+    EXPECT_EQ(run.exitCode, 0);
+    expectBlankTrimmedBitmap(run.dir / "in.esc.bmp");
+}
+
+TEST(EndToEnd, AFailingRecordIsReportedAtTheByteBehindWhatItRead)
+{
+    const struct {
+        const char* file;
+        const char* report;
+    } cases[] = {
+        {"date_bad_kind.esc", "Missing F or V or O character\nError at position: 21\n"},
+        {"legacy_no_ud.esc", "user defined parameters not found\nError at position: 34\n"},
+        {"legacy_bad_content.esc",
+         "error parsing old text escape sequence, type must be 'F', 'V', 'S', 'T' or 'R', got: 'X'\n"
+         "Error at position: 32\n"},
+        // Without a unit letter the date record takes the ESC of the text record, and the parser stops at its '#'.
+        {"legacy_date_without_unit.esc",
+         "no termination character found for format end, but ASCII 0x23 (#)\nError at position: 43\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.file);
+        const RunResult run = runCase(c.file, "in.esc", {"in=in.esc"});
+        EXPECT_EQ(run.output, defaultRunOutput("in.esc") + c.report);
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_FALSE(std::filesystem::exists(run.dir / "in.esc.bmp"));
+    }
+}
+
+TEST(EndToEnd, ARasterHoldingEscTIsPaintedAsItStands)
+{
+    const RunResult run = runCase("graphic_with_esc_t.esc", "in.esc", {"in=in.esc", "trim=n", "printer=KTA1"});
+    const std::string last = "\nWriting bitmap to in.esc.bmp\n";
+    ASSERT_GE(run.output.size(), last.size());
+    EXPECT_EQ(run.output.substr(run.output.size() - last.size()), last);
+    EXPECT_EQ(run.exitCode, 0);
+    const Bitmap bitmap = readBitmap(run.dir / "in.esc.bmp");
+    EXPECT_EQ(bitmap.inkCount(), 7);
+    EXPECT_EQ(std::vector<int>(bitmap.pixels[0].begin(), bitmap.pixels[0].begin() + 8),
+              (std::vector<int>{0, 0, 0, 1, 1, 0, 1, 1}));
+    EXPECT_EQ(std::vector<int>(bitmap.pixels[1].begin(), bitmap.pixels[1].begin() + 8),
+              (std::vector<int>{0, 1, 0, 1, 0, 1, 0, 0}));
+}
+
+TEST(EndToEnd, ALegacyDateFormatWithoutVtWaitsForMoreInput)
+{
+    const RunResult run = runCase("legacy_date_runs_on.esc", "in.esc", {"in=in.esc"}, 2);
+    EXPECT_EQ(run.exitCode, 124);  // killed by the timeout
+    EXPECT_FALSE(std::filesystem::exists(run.dir / "in.esc.bmp"));
+}

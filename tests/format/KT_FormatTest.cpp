@@ -5,9 +5,12 @@
 #include <memory>
 #include <sstream>
 
+#include "autocode/AC_Date.h"
+#include "autocode/DateClock.h"
 #include "errors/KT_Error.h"
 #include "format/FieldReaders.h"
 #include "graphics/Image.h"
+#include "tests/autocode/ClockState.h"
 #include "tests/autocode/ProbeElement.h"
 #include "tests/support/ExpectFailure.h"
 
@@ -400,4 +403,46 @@ TEST(KT_FormatMeasuring, OtherModesDoNothing)
     format.measurePaint(0, 3, "");
     format.measurePaint(3, 3, "");
     EXPECT_EQ(image.getPixel(1, 1), 1);
+}
+
+TEST_F(FormatTest, ThePaintAfterParsingReadsTheClock)
+{
+    const ClockState keep;
+    KT_AC::now = 0;
+    const auto before = static_cast<int64_t>(std::time(nullptr));
+    EXPECT_EQ(parseBytes(format, "CLOCK     \xff").error, "");
+    EXPECT_GE(KT_AC::now, before);
+    EXPECT_LE(KT_AC::now, static_cast<int64_t>(std::time(nullptr)));
+}
+
+TEST_F(FormatTest, DateAndFormulaRecordsAddTheirElements)
+{
+    const ClockState keep;
+    const Parsed parsed = parseBytes(format, "DATES     \x1bVDd\v17a\x03\vF001000000"
+                                             "\x1bVFsum\v000000000F12\v+F30\v\v\xff");
+    EXPECT_EQ(parsed.error, "");
+    const auto& date = dynamic_cast<const KT_AC::AC_Date&>(format.getElements().getElement("Dd"));
+    EXPECT_EQ(date.getResult(), "a");
+    EXPECT_TRUE(date.isUnchanged()) << "the paint after parsing took the snapshot";
+    EXPECT_EQ(format.getElements().getElement("Fsum").getResult(), "42");
+}
+
+TEST_F(FormatTest, ADateThatCannotPrintFailsWhenThePaintIsAnnounced)
+{
+    const Parsed parsed = parseBytes(format, "DATES     \x1bVDd\v60\vF000000000\xff");
+    EXPECT_EQ(parsed.error, "unexpected date component 60");
+    EXPECT_EQ(parsed.consumed, 29) << "the whole format was read first";
+}
+
+TEST_F(FormatTest, LegacyRecordsAreConvertedOnTheWayIn)
+{
+    // Without its offset unit the converted date takes the ESC of the text record as one.
+    const Parsed parsed = parseBytes(format, "LEGACY    \x1bT050012700326" "0600" "301\v*001001xy\xff");
+    EXPECT_EQ(parsed.error, "no termination character found for format end, but ASCII 0x23 (#)");
+    // The offset 1 + 1 became the text "2", which as a single digit is worth nothing.
+    EXPECT_EQ(format.getElements().getElement("F_rpl_old00").getResult(), "2");
+    EXPECT_EQ(format.getElements().getElement("F_rpl_old00").toNumber(), 0);
+    const auto& date = dynamic_cast<const KT_AC::AC_Date&>(format.getElements().getElement("D_rpl_old01"));
+    EXPECT_EQ(date.getOffsetSource(), "F_rpl_old00");
+    EXPECT_EQ(date.getVariableOffsetIndex(), static_cast<uint32_t>(0x1b - '-'));
 }
