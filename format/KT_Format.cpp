@@ -93,6 +93,7 @@ void KT_Format::update()
 void KT_Format::repaintPass()
 {
     using namespace KT_AC;
+    refreshNow();
     drawables.paintAll(*image, STAGE_PRELOAD);
     drawables.paintAll(*image, STAGE_STATIC);
     drawables.paintAll(*image, STAGE_VARIABLE);

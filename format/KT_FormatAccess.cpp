@@ -4,6 +4,7 @@
 
 #include "autocode/AC_Counter.h"
 #include "autocode/AC_VariableString.h"
+#include "autocode/DateClock.h"
 #include "errors/KT_Error.h"
 #include "format/KT_Format.h"
 #include "graphics/Image.h"
@@ -89,6 +90,7 @@ void KT_Format::raiseTrigger()
 // A tick repaints even while updates are held, and leaves the hold as it found it.
 void KT_Format::clockTick()
 {
+    KT_AC::refreshNow();
     const bool held = updatesHeld;
     updatesHeld = false;
     elements.broadcast(KT_AC::EVENT_TICK, 0);

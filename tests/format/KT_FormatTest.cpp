@@ -446,3 +446,17 @@ TEST_F(FormatTest, LegacyRecordsAreConvertedOnTheWayIn)
     EXPECT_EQ(date.getOffsetSource(), "F_rpl_old00");
     EXPECT_EQ(date.getVariableOffsetIndex(), static_cast<uint32_t>(0x1b - '-'));
 }
+
+TEST_F(FormatTest, AClockTickAndEachMeasuringPassReadTheClock)
+{
+    const ClockState keep;
+    EXPECT_EQ(parseBytes(format, "CLOCK     \xff").error, "");
+    const auto before = static_cast<int64_t>(std::time(nullptr));
+    KT_AC::now = 0;
+    format.clockTick();
+    EXPECT_GE(KT_AC::now, before);
+    KT_AC::now = 0;
+    format.measurePaint(2, 1, "");
+    EXPECT_GE(KT_AC::now, before);
+    EXPECT_LE(KT_AC::now, static_cast<int64_t>(std::time(nullptr)));
+}
