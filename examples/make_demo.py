@@ -28,9 +28,15 @@ def graphic(x, y, rows):
     return ESC + b"G" + number(x) + number(y) + number(width_bytes) + number(len(rows)) + b"0" + bytes(data)
 
 
-def text(font, x, y, content, size, orientation=0, alignment=b"L", spacing=0, reversed_=False):
+VT = b"\x0b"
+ETX = b"\x03"
+
+
+def text(font, x, y, content, size, orientation=0, alignment=b"L", spacing=0, reversed_=False, element=None):
+    """Fixed content, or with element= the id of an element defined earlier ("CLot", "DToday")."""
+    field = b"V" + element if element else b"F" + content
     return (ESC + b"#T" + b"%02d" % font + number(x) + number(y) + b"%d" % orientation + (b"1" if reversed_ else b"0")
-            + b"F" + content + b"\x0b" + b"%02d" % size + alignment + b"%03d" % spacing)
+            + field + VT + b"%02d" % size + alignment + b"%03d" % spacing)
 
 
 def logo(scale):
@@ -60,6 +66,13 @@ records = b"".join([
     text(0, 40, 960, b"OCR-B 0123456789", 12),
     text(6, 40, 1040, b"OCR-A 0123456789", 12),
     text(5, 40, 1140, b" Reversed \x80 5,00 ", 14, reversed_=True),
+    # A counter from 5 to 999 in steps of 1, padded to four digits; today's date; a formula joining 2,0 + 30 and "kg".
+    ESC + b"VCLot" + VT + b"S000000005000000999000000001000000001000000001" + VT + b"L00004L" + VT + VT,
+    ESC + b"VDToday" + VT + b"0117." + ETX + b"0517." + ETX + b"10" + VT + b"F001000000",
+    ESC + b"VFWeight" + VT + b"02,0 0000F12" + VT + b"+F30" + VT + b"&Fkg" + VT + VT,
+    text(5, 40, 1240, b"", 12, element=b"CLot"),
+    text(5, 340, 1240, b"", 12, element=b"DToday"),
+    text(5, 920, 1240, b"", 12, alignment=b"R", element=b"FWeight"),
     text(3, 1000, 40, b"Turned a quarter", 12, orientation=1),
     text(1, 1200, 700, b"Upside down", 12, orientation=2),
     text(5, 1200, 560, b"Three quarters", 12, orientation=3),

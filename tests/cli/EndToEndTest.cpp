@@ -321,3 +321,14 @@ TEST(EndToEnd, ALegacyDateFormatWithoutVtWaitsForMoreInput)
     EXPECT_EQ(run.exitCode, 124);  // killed by the timeout
     EXPECT_FALSE(std::filesystem::exists(run.dir / "in.esc.bmp"));
 }
+
+TEST(EndToEnd, TheBundledExampleRenders)
+{
+    const RunResult run = runCase("../../../examples/demo.esc", "demo.esc", {"in=demo.esc", "showvariables=y"});
+    EXPECT_EQ(run.output, "VCLot=5\n");
+    EXPECT_EQ(run.exitCode, 0);
+    const Bitmap bitmap = readBitmap(run.dir / "demo.esc.bmp");
+    EXPECT_EQ(bitmap.x, 0);
+    EXPECT_EQ(bitmap.y, 0);
+    EXPECT_GT(bitmap.inkCount(), 100000);
+}
