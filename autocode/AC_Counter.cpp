@@ -77,12 +77,7 @@ AC_Counter::AC_Counter(const CounterAttributes& attributes, Trigger trigger, std
       suffix(std::move(suffix)),
       padding(padding)
 {
-    validate(attributes);
-    value.value = attributes.value;
-    stop.value = attributes.stop;
-    step.value = attributes.step;
-    reset.value = attributes.reset;
-    duration.value = attributes.duration;
+    assign(attributes);
 }
 
 std::string AC_Counter::readCounterRecord(std::istream& stream, KT_FMT::KT_Format& format, uint32_t storageMode,
@@ -199,6 +194,16 @@ void AC_Counter::count()
 
 bool AC_Counter::isUnchanged() const { return unchanged; }
 
+void AC_Counter::assign(const CounterAttributes& attributes)
+{
+    validate(attributes);
+    value.value = attributes.value;
+    stop.value = attributes.stop;
+    step.value = attributes.step;
+    reset.value = attributes.reset;
+    duration.value = attributes.duration;
+}
+
 CounterAttributes AC_Counter::getAttributes() const
 {
     return {value.value, stop.value, step.value, reset.value, duration.value};
@@ -207,12 +212,7 @@ CounterAttributes AC_Counter::getAttributes() const
 void AC_Counter::setAttributes(const CounterAttributes& attributes, const std::string&)
 {
     unchanged = false;
-    validate(attributes);
-    value.value = attributes.value;
-    stop.value = attributes.stop;
-    step.value = attributes.step;
-    reset.value = attributes.reset;
-    duration.value = attributes.duration;
+    assign(attributes);
 }
 
 }  // namespace KT_AC

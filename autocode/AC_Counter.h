@@ -47,6 +47,8 @@ public:
     static void validate(const CounterAttributes& attributes);
 
 private:
+    // Validates, then takes the five numbers.
+    void assign(const CounterAttributes& attributes);
     void count();
     std::string digits(uint32_t magnitude) const;
 
