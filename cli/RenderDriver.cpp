@@ -101,21 +101,48 @@ std::string executableDirectory()
     return cut == std::string::npos ? std::string() : path.substr(0, cut);
 }
 
+namespace {
+
+// A lone -version or -help word answers by itself; with more arguments these words mean nothing.
+bool answerLoneWord(int argc, char** argv)
+{
+    if (argc != 2)
+        return false;
+    const std::string argument = argv[1];
+    if (isOneOf(argument, {"-version", "/version", "--version"})) {
+        std::cout << "kt-render\n"
+                  << "Build: " << __DATE__ << " - " << __TIME__ << "\n";
+        return true;
+    }
+    if (isOneOf(argument, {"-help", "/help", "--help", "-?"})) {
+        printUsage();
+        return true;
+    }
+    return false;
+}
+
+// Writes the defaults of the absent reserved keys into the map, in the order the user sees them.
+void settleDefaults(ArgumentMap& arguments, bool quiet)
+{
+    if (arguments.count("fontpath") == 0) {
+        const std::string fontPath =
+            directoryExists(defaultFontDirectory) ? defaultFontDirectory : executableDirectory() + "\\TTF2";
+        settleDefault(arguments, "fontpath", fontPath, quiet);
+    }
+    if (arguments.count("loadvariables") != 0 && !quiet)
+        std::cout << "setting loadvariables to " << 1 << "\n";
+    settleDefault(arguments, "printer", "KTD2", quiet);
+    settleDefault(arguments, "height", "608", quiet);
+    settleDefault(arguments, "width", "640", quiet);
+    settleDefault(arguments, "trim", "y", quiet);
+}
+
+}  // namespace
+
 int runRenderer(int argc, char** argv)
 {
-    if (argc == 2) {
-        const std::string argument = argv[1];
-        if (isOneOf(argument, {"-version", "/version", "--version"})) {
-            std::cout << "kt-render\n"
-                      << "Build: " << __DATE__ << " - " << __TIME__ << "\n";
-            return 0;
-        }
-        if (isOneOf(argument, {"-help", "/help", "--help", "-?"})) {
-            printUsage();
-            return 0;
-        }
-    }
-
+    if (answerLoneWord(argc, argv))
+        return 0;
     ArgumentMap arguments = parseArguments(argc, argv);
     if (arguments.count("in") == 0) {
         std::cout << "Error: missing required argument (in=...)\n";
@@ -125,21 +152,9 @@ int runRenderer(int argc, char** argv)
     const std::string in = arguments["in"];
     const std::string out = arguments.count("out") != 0 ? arguments["out"] : in + ".bmp";
     const bool quiet = arguments.count("showvariables") != 0;
-
-    if (arguments.count("fontpath") == 0) {
-        const std::string fontPath =
-            directoryExists(defaultFontDirectory) ? defaultFontDirectory : executableDirectory() + "\\TTF2";
-        settleDefault(arguments, "fontpath", fontPath, quiet);
-    }
-    const bool loadVariables = arguments.count("loadvariables") != 0;
-    if (loadVariables && !quiet)
-        std::cout << "setting loadvariables to " << 1 << "\n";
-    settleDefault(arguments, "printer", "KTD2", quiet);
+    settleDefaults(arguments, quiet);
     int32_t width = 2560, height = 1216;
     printerDimensions(arguments["printer"], width, height);
-    settleDefault(arguments, "height", "608", quiet);
-    settleDefault(arguments, "width", "640", quiet);
-    settleDefault(arguments, "trim", "y", quiet);
 
     // The provider lives to the end of the process; the map is settled even if the input fails.
     fontProvider = std::make_unique<FontProvider>();
