@@ -126,21 +126,22 @@ std::string AC_Counter::getResult() const
     if (baseSymbols.empty())
         throw KT_ERROR::internal_autocode_error("counter has empty number base string");
     const bool negative = value.value < 0;
-    // Negation in 32 bits: the most negative value keeps its bits, read as the unsigned 2147483648.
-    const uint32_t magnitude =
-        negative ? 0u - static_cast<uint32_t>(value.value) : static_cast<uint32_t>(value.value);
-    return prefix + padding.apply(digits(magnitude), negative) + suffix;
+    // Negation in 32 bits: the most negative value has no positive form and stays negative.
+    const auto v = static_cast<int32_t>(negative ? 0u - static_cast<uint32_t>(value.value)
+                                                 : static_cast<uint32_t>(value.value));
+    return prefix + padding.apply(digits(v), negative) + suffix;
 }
 
-std::string AC_Counter::digits(uint32_t magnitude) const
+std::string AC_Counter::digits(int32_t v) const
 {
+    // Deliberate: the most negative value prints its own minus behind the sign, "--2147483648".
     if (baseSymbols == decimalSymbols)
-        return std::to_string(magnitude);
-    if (baseSymbols.size() == 1) {
-        // A tally; the most negative value, whose negation stays negative, makes no marks.
-        const auto marks = static_cast<int32_t>(magnitude);
-        return std::string(marks > 0 ? static_cast<size_t>(marks) : 0, baseSymbols[0]);
-    }
+        return std::to_string(v);
+    // A tally; the most negative value makes no marks.
+    if (baseSymbols.size() == 1)
+        return std::string(v > 0 ? static_cast<size_t>(v) : 0, baseSymbols[0]);
+    // Read unsigned, the most negative value gets the digits of 2147483648 instead of a symbol out of range.
+    const uint64_t magnitude = static_cast<uint32_t>(v);
     const uint64_t base = baseSymbols.size();
     // Wider than the value, so that the search for the highest power can't overflow.
     uint64_t power = 1;

