@@ -1,6 +1,7 @@
 #include "fonts/FontProvider.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -59,8 +60,8 @@ void FontProvider::init(const std::string& path)
     if (copy.empty() || copy.back() != pathSeparator)
         copy = copy.substr(0, PATH_SIZE - 2) + pathSeparator;
     clearSlots();
-    std::memset(fontPath(), 0, PATH_SIZE);
-    std::memcpy(fontPath(), copy.data(), copy.size());
+    std::memset(table.fontPath, 0, PATH_SIZE);
+    std::memcpy(table.fontPath, copy.data(), copy.size());
 
     std::error_code error;
     if (!std::filesystem::is_directory(copy, error) && !std::filesystem::create_directory(copy, error))
@@ -218,7 +219,7 @@ std::string FontProvider::getFontFile(int32_t number) const
 
 std::string FontProvider::getFontPath() const
 {
-    return fontPath();
+    return table.fontPath;
 }
 
 void FontProvider::addFont(int32_t number, const std::string& name)
@@ -297,7 +298,7 @@ std::string FontProvider::listFonts() const
 
 void FontProvider::clearSlots()
 {
-    std::fill(storage.begin(), storage.begin() + FONT_COUNT * SLOT_SIZE, 0);
+    std::memset(table.fontFiles, 0, sizeof table.fontFiles);
 }
 
 std::string FontProvider::mapFile() const

@@ -1,5 +1,4 @@
 #pragma once
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
@@ -39,16 +38,19 @@ private:
     void readOldRecords(std::istream& in);
     void setDefaults();
     void clearSlots();
-    char* slot(int32_t number) { return storage.data() + number * SLOT_SIZE; }
-    const char* slot(int32_t number) const { return storage.data() + number * SLOT_SIZE; }
-    char* fontPath() { return slot(FONT_COUNT); }
-    const char* fontPath() const { return slot(FONT_COUNT); }
+    char* slot(int32_t number) { return reinterpret_cast<char*>(&table) + number * SLOT_SIZE; }
+    const char* slot(int32_t number) const { return reinterpret_cast<const char*>(&table) + number * SLOT_SIZE; }
     std::string mapFile() const;
     bool fileOpens(const std::string& name) const;
 
     // The path lies directly behind the last slot: the old map conversion accepts number 50 and
     // writes that name over the start of the path.
-    std::array<char, FONT_COUNT * SLOT_SIZE + PATH_SIZE> storage{};
+    struct Table {
+        char fontFiles[FONT_COUNT][SLOT_SIZE];
+        char fontPath[PATH_SIZE];
+    };
+    static_assert(sizeof(Table) == FONT_COUNT * SLOT_SIZE + PATH_SIZE);
+    Table table{};
     std::vector<int32_t> damaged_fonts;
 };
 

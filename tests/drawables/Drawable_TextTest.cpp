@@ -77,6 +77,35 @@ TEST_F(TextTest, OnlyUpperCaseAlignmentsAreKnown)
     EXPECT_EQ(format.getDrawables().size(), 0u);
 }
 
+TEST_F(TextTest, EveryOtherFieldFailsWithTheTextOfItsReader)
+{
+    struct Case {
+        const char* field;
+        std::string record;
+        bool numberField;
+        std::string text;
+    };
+    const std::string badNumber = "non-digit or too many sign characters read while parsing number: ";
+    const Case cases[] = {
+        {"font number", "X5000100005000FX\v10L000", true, badNumber + "X"},
+        {"x", "05000X00005000FX\v10L000", true, badNumber + "X"},
+        {"orientation", "05000100005040FX\v10L000", false, "error parsing orientation, expected 0, 1, 2 or 3 got: 4"},
+        {"reversed", "0500010000500XFX\v10L000", true, badNumber + "X"},
+        {"content", "05000100005000ZX\v10L000", false, "expected content field starting with 'F' or 'V' got: 'Z'"},
+        {"size", "05000100005000FX\v1XL000", true, badNumber + "X"},
+        {"spacing", "05000100005000FX\v10L0X0", true, badNumber + "X"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.field);
+        std::istringstream record(c.record);
+        if (c.numberField)
+            expectFailure<KT_ERROR::parse_time_error>([&] { Drawable_Text::read(record, format); }, c.text);
+        else
+            expectFailure<KT_ERROR::bad_escape_sequence>([&] { Drawable_Text::read(record, format); }, c.text);
+        EXPECT_EQ(format.getDrawables().size(), 0u);
+    }
+}
+
 TEST_F(TextTest, TheNamedElementMustStandEarlier)
 {
     expectFailure<KT_ERROR::bad_escape_sequence>([&] { parse("\x1b#T05000100005000VXlater\v10L000"); },
@@ -126,6 +155,24 @@ TEST_F(TextTest, AnEmptyValuePaintsNothingAndLeavesAnEmptyArea)
     EXPECT_EQ(area.bottom, -1);
     EXPECT_EQ(area.top, 200);
     EXPECT_TRUE(PixelCanvas::of(image) == PixelCanvas(640, 200));
+}
+
+TEST_F(TextTest, AnUpdateRemovesTheWholeBoxOfTheLastReversedPaint)
+{
+    auto element = std::make_unique<ProbeElement>("WIDE TEXT");
+    ProbeElement& value = *element;
+    format.getElements().addElement("Xv", std::move(element));
+    std::istringstream record("05" "00020" "00100" "0" "1" "VXv\v" "14" "L" "000");
+    Drawable_Text::read(record, format);
+    format.getDrawables()[0].paint(image, KT_AC::STAGE_VARIABLE);
+    const PixelCanvas wide = direct(20, 100, 14, 5, "WIDE TEXT", 0, 0, 0, true);
+    ASSERT_TRUE(PixelCanvas::of(image) == wide);
+    value.text = "ab";
+    value.unchanged = false;
+    format.update();
+    const PixelCanvas narrow = direct(20, 100, 14, 5, "ab", 0, 0, 0, true);
+    EXPECT_FALSE(narrow == wide);
+    EXPECT_TRUE(PixelCanvas::of(image) == narrow);
 }
 
 TEST_F(TextTest, Spacing005WidensEveryGapInTheBaselineDirection)

@@ -252,6 +252,25 @@ TEST(FontProvider, AnOldFormEndingWithinARecordFallsBackToTheDefaults)
     }
 }
 
+// The second record runs into the end of the file after its name: the conversion fails, but the
+// slots it filled stay, and the old defaults touch only slots 0 to 5.
+TEST(FontProvider, AFailedConversionKeepsItsSlotsAndTheOldDefaultsLeaveSlot6Alone)
+{
+    TempDir dir;
+    linkFont(dir, "ocr-a_2.ttf", "ocr-a_2.ttf");
+    linkFont(dir, "arial_2.ttf", "arial.ttf");
+    linkFont(dir, "arial_2.ttf", "extra.ttf");
+    writeFile(dir.file("fontmap.ini"), "6ocr-a_2.ttf\xFF" "OCR A\xFF" "7extra.ttf\xFF" "Extra");
+    FontProvider provider;
+    DebugCapture debug;
+    provider.init(dir.path);
+    EXPECT_NE(debug.text().find("Caught exception while parsing old file format...\r\n"
+                                "No font map file found, generating default file\r\n"
+                                "resetting to old font files\r\n"),
+              std::string::npos);
+    EXPECT_EQ(readFile(dir.file("fontmap.ini")), "5;arial.ttf\n6;ocr-a_2.ttf\n7;extra.ttf\n");
+}
+
 TEST(FontProvider, AnOldNumberAbove50EndsTheConversionNormally)
 {
     TempDir dir;
@@ -352,6 +371,18 @@ TEST(FontProvider, NumbersOutOfRangeAreRefused)
         }
     }
     EXPECT_EQ(readFile(dir.file("fontmap.ini")), "");
+}
+
+TEST(FontProvider, AMapThatCannotBeWrittenIsReportedAndTheMappingStays)
+{
+    TempDir dir;
+    FontProvider provider;
+    provider.init(dir.path);
+    std::filesystem::remove_all(dir.path);
+    DebugCapture debug;
+    provider.addFont(3, "a.ttf");
+    EXPECT_EQ(debug.text(), "Can't open font map file for writing fontmap.ini");
+    EXPECT_EQ(provider.getFontFile(3), "a.ttf");
 }
 
 TEST(FontProvider, AnUnmappedNumberHasTheEmptyName)

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <iostream>
+#include <sstream>
 #include <string>
 
 #include "errors/KT_Error.h"
@@ -13,6 +15,7 @@
 #include "format/ContentEscapeReader.h"
 #include "graphics/Image.h"
 #include "tests/fonts/FontTestSupport.h"
+#include "tests/support/PixelCanvas.h"
 
 using namespace fonttest;
 
@@ -86,6 +89,53 @@ void expectSingleGlyph(Image& image, const Area& area, int32_t x, int32_t y, int
         }
     EXPECT_EQ(inkCount(image), expectedInk);
     EXPECT_GT(expectedInk, 0);
+}
+
+// Collects what is printed on standard output while it lives.
+class CoutCapture {
+public:
+    CoutCapture() : previous(std::cout.rdbuf(captured.rdbuf())) {}
+    ~CoutCapture() { std::cout.rdbuf(previous); }
+    CoutCapture(const CoutCapture&) = delete;
+    CoutCapture& operator=(const CoutCapture&) = delete;
+
+    std::string text() const { return captured.str(); }
+
+private:
+    std::ostringstream captured;
+    std::streambuf* previous;
+};
+
+uint32_t bigEndian(const std::string& bytes, size_t at, size_t length)
+{
+    uint32_t value = 0;
+    for (size_t i = 0; i < length; ++i)
+        value = (value << 8) | static_cast<unsigned char>(bytes[at + i]);
+    return value;
+}
+
+// A copy of a TrueType file whose glyph `index` claims far more contours than its data hold, so
+// that FreeType refuses to load it.
+std::string withBrokenGlyph(std::string font, FT_UInt index)
+{
+    size_t head = 0, loca = 0, glyf = 0;
+    for (size_t table = 0; table < bigEndian(font, 4, 2); ++table) {
+        const size_t entry = 12 + 16 * table;
+        const std::string tag = font.substr(entry, 4);
+        const size_t offset = bigEndian(font, entry + 8, 4);
+        if (tag == "head")
+            head = offset;
+        else if (tag == "loca")
+            loca = offset;
+        else if (tag == "glyf")
+            glyf = offset;
+    }
+    const bool longOffsets = bigEndian(font, head + 50, 2) != 0;
+    const size_t glyph =
+        glyf + (longOffsets ? bigEndian(font, loca + 4 * index, 4) : 2 * bigEndian(font, loca + 2 * index, 2));
+    font[glyph] = 0x70;
+    font[glyph + 1] = 0;
+    return font;
 }
 
 class Font_ : public FontFixture {
@@ -168,6 +218,59 @@ TEST_F(Font_, AGlyphIsFreeTypesBitmapAtThePenInEveryOrientation)
         Image image(640, 608);
         const Area area = draw(image, 300, 300, "H", orientation, 0, 0, false, 12);
         expectSingleGlyph(image, area, 300, 300, 12, orientation, 'H');
+    }
+}
+
+// The reference places FreeType's own bitmaps: kerning moves the pen before a glyph is placed,
+// spacing after its advance, both along the turned baseline. "AV" and "To" kern in this font.
+TEST_F(Font_, EachGlyphStandsWhereAdvancesKerningAndSpacingPutThePen)
+{
+    const std::string text = "AVATo";
+    const int32_t size = 12;
+    const int32_t spacing = 3 << 16;
+    const std::array<std::pair<int64_t, int64_t>, 4> along{{{1, 0}, {0, 1}, {-1, 0}, {0, -1}}};
+    DirectFace flat(arial, size, 0);
+    ASSERT_TRUE(FT_HAS_KERNING(flat.face));
+    for (int32_t orientation = 0; orientation < 4; ++orientation) {
+        SCOPED_TRACE(orientation);
+        DirectFace turned(arial, size, orientation);
+        const auto [dx, dy] = along[static_cast<size_t>(orientation)];
+        PixelCanvas expected(640, 608);
+        Area expectedArea{640, 608, -1, -1};
+        int64_t penX = int64_t{300} << 16;
+        int64_t penY = int64_t{300} << 16;
+        int64_t kerning = 0;
+        FT_UInt previous = 0;
+        for (const char c : text) {
+            const FT_UInt index = FT_Get_Char_Index(flat.face, static_cast<FT_ULong>(c));
+            if (previous != 0) {
+                FT_Vector delta{};
+                FT_Get_Kerning(flat.face, previous, index, FT_KERNING_UNFITTED, &delta);
+                kerning += delta.x;
+                penX += dx * delta.x * 1024;
+                penY += dy * delta.x * 1024;
+            }
+            const FT_GlyphSlot slot = turned.load(static_cast<FT_ULong>(c));
+            const FT_Bitmap& bitmap = slot->bitmap;
+            const auto left = static_cast<int32_t>(penX >> 16) + slot->bitmap_left;
+            const auto top = static_cast<int32_t>(penY >> 16) - slot->bitmap_top;
+            for (int32_t r = 0; r < static_cast<int32_t>(bitmap.rows); ++r)
+                for (int32_t col = 0; col < static_cast<int32_t>(bitmap.width); ++col)
+                    if (bitmapPixel(bitmap, col, r))
+                        expected.at(left + col, top + r) = 1;
+            expectedArea.left = std::min(expectedArea.left, left);
+            expectedArea.top = std::min(expectedArea.top, top);
+            expectedArea.right = std::max(expectedArea.right, left + static_cast<int32_t>(bitmap.width));
+            expectedArea.bottom = std::max(expectedArea.bottom, top + static_cast<int32_t>(bitmap.rows));
+            const int64_t step = flat.load(static_cast<FT_ULong>(c))->advance.x * 1024 + spacing;
+            penX += dx * step;
+            penY += dy * step;
+            previous = index;
+        }
+        ASSERT_LT(kerning, -64) << "the string kerns by more than a dot";
+        Image image(640, 608);
+        expectArea(draw(image, 300, 300, text, orientation, 0, spacing, false, size), expectedArea);
+        EXPECT_TRUE(PixelCanvas::of(image) == expected);
     }
 }
 
@@ -394,6 +497,22 @@ TEST_F(Font_, AnUnreadableFontFileFailsLikeAnUnmappedOne)
     } catch (const KT_ERROR::kt_exception& error) {
         EXPECT_EQ(std::string(error.what()), "Font::drawText() error acquiring size 8: 1");
     }
+}
+
+TEST_F(Font_, AGlyphThatFailsToLoadEndsThePassWithAMessageAndNoError)
+{
+    DirectFace direct(arial, 12, 0);
+    writeFile(dir.file("broken.ttf"),
+              withBrokenGlyph(readFile(dir.file("arial_2.ttf")), FT_Get_Char_Index(direct.face, 'H')));
+    fontProvider->addFont(9, "broken.ttf");
+    Image broken(640, 608);
+    Image firstOnly(640, 608);
+    processFont.drawText(300, 300, 9, 12, "A", 0, nullptr, &firstOnly, 0, 0, false);
+    CoutCapture out;
+    EXPECT_NO_THROW(processFont.drawText(300, 300, 9, 12, "AHA", 0, nullptr, &broken, 0, 0, false));
+    EXPECT_EQ(out.text(), "Received wrong glyph type from cache");
+    EXPECT_TRUE(PixelCanvas::of(broken) == PixelCanvas::of(firstOnly)) << "the pass ends at the broken glyph";
+    EXPECT_GT(inkCount(broken), 0);
 }
 
 TEST_F(Font_, TheFaceOfAnIdIsTheFontTimesFourPlusTheTurn)
