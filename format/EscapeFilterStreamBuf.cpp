@@ -9,12 +9,17 @@ namespace KT_FMT {
 
 namespace {
 
-// The letter G and the 21 header bytes of a graphic record.
-constexpr uint32_t graphicsHeaderLength = 22;
+// The header of a graphic record behind ESC G; its bytes 11 to 15 and 16 to 20 hold the bytes per
+// row and the rows of the raster behind it.
+constexpr uint32_t graphicsHeaderLength = 21;
+constexpr uint32_t rowBytesStart = 10;
+constexpr uint32_t rowsStart = 15;
+constexpr uint32_t headerNumberLength = 5;
 
 uint32_t headerNumber(const std::string& header, size_t start)
 {
-    return static_cast<uint32_t>(std::strtol(header.substr(start, 5).c_str(), nullptr, 10));
+    const std::string field = start < header.size() ? header.substr(start, headerNumberLength) : std::string();
+    return static_cast<uint32_t>(std::strtol(field.c_str(), nullptr, 10));
 }
 
 }  // namespace
@@ -34,39 +39,40 @@ EscapeFilterStreamBuf::int_type EscapeFilterStreamBuf::underflow()
 EscapeFilterStreamBuf::int_type EscapeFilterStreamBuf::takeRaw()
 {
     const int_type c = source->sbumpc();
-    if (traits_type::eq_int_type(c, traits_type::eof()))
-        return offer(c);
-    --rawBytesLeft;
-    if (headerBytesLeft != 0)
-        noteGraphicsHeader(traits_type::to_char_type(c));
+    if (!traits_type::eq_int_type(c, traits_type::eof()))
+        --rawBytesLeft;
     return offer(c);
 }
 
-// The byte behind ESC is only looked at here; unless it starts a legacy record it stays in the source.
+// The byte behind the ESC is passed on with it and is never the start of a sequence itself.
 EscapeFilterStreamBuf::int_type EscapeFilterStreamBuf::takeEscape()
 {
-    const int_type next = source->sgetc();
-    const char letter = traits_type::eq_int_type(next, traits_type::eof()) ? '\0' : traits_type::to_char_type(next);
+    const int_type next = source->sbumpc();
+    if (traits_type::eq_int_type(next, traits_type::eof()))
+        return offer(traits_type::to_int_type(ESC));
+    const char letter = traits_type::to_char_type(next);
     if (letter == 'B' || letter == 'T') {
-        source->sbumpc();
         LegacyConversion conversion(*source, buffer.data(), capacity, replacementCounter, variableIds);
         return offerBytes(letter == 'B' ? conversion.convertBarcode() : conversion.convertText());
     }
-    if (letter == 'G') {
-        graphicsHeader.clear();
-        headerBytesLeft = graphicsHeaderLength;
-        rawBytesLeft = graphicsHeaderLength;
-    } else {
-        rawBytesLeft = 1;
-    }
-    return offer(traits_type::to_int_type(ESC));
+    buffer[0] = ESC;
+    buffer[1] = letter;
+    return offerBytes(letter == 'G' ? 2 + takeGraphicsHeader() : 2);
 }
 
-void EscapeFilterStreamBuf::noteGraphicsHeader(char c)
+// Copies the header behind ESC G into the get area and returns how many of its bytes the source had.
+uint32_t EscapeFilterStreamBuf::takeGraphicsHeader()
 {
-    graphicsHeader.push_back(c);
-    if (--headerBytesLeft == 0)
-        rawBytesLeft = headerNumber(graphicsHeader, 11) * headerNumber(graphicsHeader, 16);
+    std::string header;
+    for (uint32_t i = 0; i < graphicsHeaderLength; ++i) {
+        const int_type c = source->sbumpc();
+        if (traits_type::eq_int_type(c, traits_type::eof()))
+            break;
+        header.push_back(traits_type::to_char_type(c));
+    }
+    header.copy(buffer.data() + 2, header.size());
+    rawBytesLeft = headerNumber(header, rowBytesStart) * headerNumber(header, rowsStart);
+    return static_cast<uint32_t>(header.size());
 }
 
 EscapeFilterStreamBuf::int_type EscapeFilterStreamBuf::offer(int_type c)

@@ -8,9 +8,8 @@
 namespace KT_FMT {
 
 // Stands between an escape file and the parser: legacy ESC B and ESC T records are rewritten into
-// present-day records, and the raster bytes of ESC G pass without being taken for sequences. Every
-// other byte is taken from the source one at a time, so that the source's position tells how far the
-// parser has read.
+// present-day records, and the raster bytes of ESC G pass without being taken for sequences. An ESC
+// is passed on together with the byte behind it, and ESC G with its whole header.
 class EscapeFilterStreamBuf : public std::streambuf {
 public:
     explicit EscapeFilterStreamBuf(std::streambuf* source) : source(source) {}
@@ -21,9 +20,9 @@ protected:
 private:
     int_type takeRaw();
     int_type takeEscape();
+    uint32_t takeGraphicsHeader();
     int_type offer(int_type c);
     int_type offerBytes(uint32_t length);
-    void noteGraphicsHeader(char c);
 
     uint32_t replacementCounter = 0;
     std::array<char, 1024> buffer{};
@@ -32,9 +31,6 @@ private:
     // A legacy variable's prompt and the reference made up for it.
     std::map<std::string, std::string> variableIds;
     uint32_t rawBytesLeft = 0;
-    // The ESC G header passes like raster bytes and is read on the way, for the size of the raster behind it.
-    std::string graphicsHeader;
-    uint32_t headerBytesLeft = 0;
 };
 
 }  // namespace KT_FMT

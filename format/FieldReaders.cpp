@@ -92,8 +92,14 @@ std::string readDelimited(std::istream& stream, char delimiter)
     char c = 0;
     while (stream.get(c) && c != delimiter)
         text.push_back(c);
-    if (!stream)
+    if (stream.eof() || stream.bad())
         throw KT_ERROR::bad_escape_sequence(KT_ERROR::text("found end of input while parsing ", text));
+    // A stream that had failed before gets going again, at the price of one byte and an empty text.
+    if (stream.fail()) {
+        stream.clear();
+        stream.ignore();
+        return {};
+    }
     return text;
 }
 

@@ -52,16 +52,40 @@ TEST(EscapeFilterStreamBuf, APresentDayFormatPassesByteForByte)
     EXPECT_EQ(filtered(presentDay), presentDay);
 }
 
-TEST(EscapeFilterStreamBuf, TheSourceNeverRunsAheadOfWhatWasRead)
+TEST(EscapeFilterStreamBuf, AnEscLeavesTheSourceWithTheByteBehindItAndEscGWithItsHeader)
 {
-    std::stringbuf source(presentDay);
-    EscapeFilterStreamBuf filter(&source);
-    for (size_t read = 1; read <= presentDay.size(); ++read) {
-        SCOPED_TRACE(read);
-        ASSERT_EQ(filter.sbumpc(), static_cast<unsigned char>(presentDay[read - 1]));
-        ASSERT_EQ(source.pubseekoff(0, std::ios::cur, std::ios::in), static_cast<std::streamoff>(read));
+    const struct {
+        std::string input;
+        size_t read;
+        std::streamoff taken;
+    } cases[] = {
+        {"ab", 1, 1},
+        {bytes("~VIx"), 1, 2},
+        {bytes("~VIx"), 2, 2},
+        {bytes("~VIx"), 3, 3},
+        {bytes("~~T"), 1, 2},
+        {graphic, 1, 23},
+        {graphic, 23, 23},
+        {graphic, 24, 24},  // raster bytes go one at a time
+        {bytes("~G0000"), 1, 6},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.input << " " << c.read);
+        std::stringbuf source(c.input);
+        EscapeFilterStreamBuf filter(&source);
+        for (size_t i = 0; i < c.read; ++i)
+            ASSERT_EQ(filter.sbumpc(), static_cast<unsigned char>(c.input[i]));
+        EXPECT_EQ(source.pubseekoff(0, std::ios::cur, std::ios::in), c.taken);
     }
-    EXPECT_EQ(filter.sgetc(), std::char_traits<char>::eof());
+}
+
+TEST(EscapeFilterStreamBuf, AnEscAtTheEndOfTheSourcePassesAlone)
+{
+    std::stringbuf source(bytes("a~"));
+    EscapeFilterStreamBuf filter(&source);
+    EXPECT_EQ(filter.sbumpc(), 'a');
+    EXPECT_EQ(filter.sbumpc(), 0x1b);
+    EXPECT_EQ(filter.sbumpc(), std::char_traits<char>::eof());
 }
 
 TEST(EscapeFilterStreamBuf, ByteFFIsNoEndOfFile)

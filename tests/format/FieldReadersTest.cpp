@@ -186,6 +186,15 @@ TEST(FieldReaders, ReadDelimitedAtTheEndOfInput)
     }
 }
 
+TEST(FieldReaders, ReadDelimitedOnAFailedStreamDropsOneByteAndReturnsNothing)
+{
+    std::istringstream plain("ab\vc");
+    plain.setstate(std::ios::failbit);
+    EXPECT_EQ(readDelimited(plain, VT), "");
+    EXPECT_TRUE(plain.good());
+    EXPECT_EQ(rest(plain), "b\vc");
+}
+
 TEST_F(FieldReadersFormat, ReferenceFieldReturnsTheIdAndCreatesNothing)
 {
     RaisingStream in("VXGTIN\vrest");
