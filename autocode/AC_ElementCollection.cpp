@@ -10,11 +10,15 @@ void AC_ElementCollection::addElement(const std::string& id, std::unique_ptr<AC_
 {
     if (elements.count(id) != 0)
         throw KT_ERROR::bad_escape_sequence(KT_ERROR::text("Element id already exists in collection: ", id));
-    // Room first, so that nothing can fail once the map holds the element.
-    ids.reserve(ids.size() + 1);
     element->ac_environment = this;
-    elements.emplace(id, std::move(element));
     ids.push_back(id);
+    // Should the map fail, the list gives the id back, so both keep the same elements.
+    try {
+        elements.emplace(id, std::move(element));
+    } catch (...) {
+        ids.pop_back();
+        throw;
+    }
 }
 
 AC_Element& AC_ElementCollection::getElement(const std::string& id) const
