@@ -7,23 +7,13 @@
 #include <string>
 
 #include "errors/KT_Error.h"
+#include "tests/support/EscapeRecords.h"
 #include "tests/support/ExpectFailure.h"
 
 using KT_FMT::EscapeFilterStreamBuf;
 
 namespace {
 
-// '|' stands for VT and '~' for ESC.
-std::string bytes(std::string text)
-{
-    for (char& c : text) {
-        if (c == '|')
-            c = '\x0b';
-        else if (c == '~')
-            c = '\x1b';
-    }
-    return text;
-}
 
 std::string filtered(const std::string& input)
 {
@@ -35,15 +25,15 @@ std::string filtered(const std::string& input)
 const std::string textHead = "050012700326" "06" "00";
 
 // A graphic at 0, 0 of 2 bytes by 2 rows, whose raster holds ESC T and 0xFF.
-const std::string graphic = bytes("~G00000000000000200002X") + std::string("\x1bT\xff\x1b", 4);
+const std::string graphic = withControls("~G00000000000000200002X") + std::string("\x1bT\xff\x1b", 4);
 
 // Present-day records of every kind, as the parser knows them.
-const std::string presentDay = bytes("NAME      ~VIname|content|prompt|0 00000000||~VXGTIN|0123|"
+const std::string presentDay = withControls("NAME      ~VIname|content|prompt|0 00000000||~VXGTIN|0123|"
                                      "~VFf|000000000F1|+VIname||~VCc|S000000001000000009000000001000000001"
                                      "000000001|0 0000||~VDd|01|F000000000~#T050012700326" "00" "VIname|06L000"
                                      "~#B0000010000200" "0VXGTIN|00100" "02" "00~#I0000000000000100001~L"
                                      "000060001200012001060000000000") +
-                                 graphic + bytes("~D00~S160~X07050") + "\xff" + bytes("~Q00000");
+                                 graphic + withControls("~D00~S160~X07050") + "\xff" + withControls("~Q00000");
 
 }  // namespace
 
@@ -60,14 +50,14 @@ TEST(EscapeFilterStreamBuf, AnEscLeavesTheSourceWithTheByteBehindItAndEscGWithIt
         std::streamoff taken;
     } cases[] = {
         {"ab", 1, 1},
-        {bytes("~VIx"), 1, 2},
-        {bytes("~VIx"), 2, 2},
-        {bytes("~VIx"), 3, 3},
-        {bytes("~~T"), 1, 2},
+        {withControls("~VIx"), 1, 2},
+        {withControls("~VIx"), 2, 2},
+        {withControls("~VIx"), 3, 3},
+        {withControls("~~T"), 1, 2},
         {graphic, 1, 23},
         {graphic, 23, 23},
         {graphic, 24, 24},  // raster bytes go one at a time
-        {bytes("~G0000"), 1, 6},
+        {withControls("~G0000"), 1, 6},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.input << " " << c.read);
@@ -81,7 +71,7 @@ TEST(EscapeFilterStreamBuf, AnEscLeavesTheSourceWithTheByteBehindItAndEscGWithIt
 
 TEST(EscapeFilterStreamBuf, AnEscAtTheEndOfTheSourcePassesAlone)
 {
-    std::stringbuf source(bytes("a~"));
+    std::stringbuf source(withControls("a~"));
     EscapeFilterStreamBuf filter(&source);
     EXPECT_EQ(filter.sbumpc(), 'a');
     EXPECT_EQ(filter.sbumpc(), 0x1b);
@@ -99,52 +89,52 @@ TEST(EscapeFilterStreamBuf, ByteFFIsNoEndOfFile)
 
 TEST(EscapeFilterStreamBuf, TheWorkedConversion)
 {
-    EXPECT_EQ(filtered(bytes("~T" + textHead + "0FAB|")),
-              bytes("~VF_rpl_old00|000000000FAB||~#T050012700326" "00" "VF_rpl_old00|06L000"));
+    EXPECT_EQ(filtered(withControls("~T" + textHead + "0FAB|")),
+              withControls("~VF_rpl_old00|000000000FAB||~#T050012700326" "00" "VF_rpl_old00|06L000"));
 }
 
 TEST(EscapeFilterStreamBuf, ARasterHoldingEscTIsNotConverted)
 {
-    const std::string legacy = bytes("~T" + textHead + "0FAB|");
-    const std::string converted = bytes("~VF_rpl_old00|000000000FAB||~#T050012700326" "00" "VF_rpl_old00|06L000");
+    const std::string legacy = withControls("~T" + textHead + "0FAB|");
+    const std::string converted = withControls("~VF_rpl_old00|000000000FAB||~#T050012700326" "00" "VF_rpl_old00|06L000");
     EXPECT_EQ(filtered(graphic + legacy + "\xff"), graphic + converted + "\xff");
 }
 
 TEST(EscapeFilterStreamBuf, ARasterOfRowsTimesBytesPassesUnseen)
 {
     // 3 bytes by 2 rows: six raster bytes, then conversions again.
-    const std::string raster = bytes("~T~B~B");
-    const std::string header = bytes("~G00000000000000300002X");
-    const std::string legacy = bytes("~T" + textHead + "0FAB|");
+    const std::string raster = withControls("~T~B~B");
+    const std::string header = withControls("~G00000000000000300002X");
+    const std::string legacy = withControls("~T" + textHead + "0FAB|");
     EXPECT_EQ(filtered(header + raster + legacy).substr(0, header.size() + raster.size() + 14),
-              header + raster + bytes("~VF_rpl_old00|"));
-    const std::string empty = bytes("~G00000000000000000099X");
-    EXPECT_EQ(filtered(empty + legacy).substr(0, empty.size() + 14), empty + bytes("~VF_rpl_old00|"));
+              header + raster + withControls("~VF_rpl_old00|"));
+    const std::string empty = withControls("~G00000000000000000099X");
+    EXPECT_EQ(filtered(empty + legacy).substr(0, empty.size() + 14), empty + withControls("~VF_rpl_old00|"));
 }
 
 TEST(EscapeFilterStreamBuf, AGraphicHeaderIsNotConvertedEither)
 {
-    const std::string header = bytes("~G~T00000000000100001X") + "R";
+    const std::string header = withControls("~G~T00000000000100001X") + "R";
     EXPECT_EQ(filtered(header), header);
 }
 
 TEST(EscapeFilterStreamBuf, TheByteBehindAnEscIsNeverTheStartOfARecord)
 {
-    const std::string input = bytes("~~T" + textHead + "0FAB|~~B~");
+    const std::string input = withControls("~~T" + textHead + "0FAB|~~B~");
     EXPECT_EQ(filtered(input), input);
 }
 
 TEST(EscapeFilterStreamBuf, AShortGraphicEndsWithTheSource)
 {
-    EXPECT_EQ(filtered(bytes("~G0000")), bytes("~G0000"));
-    EXPECT_EQ(filtered(bytes("~G00000000000000100009X") + "ab"), bytes("~G00000000000000100009X") + "ab");
+    EXPECT_EQ(filtered(withControls("~G0000")), withControls("~G0000"));
+    EXPECT_EQ(filtered(withControls("~G00000000000000100009X") + "ab"), withControls("~G00000000000000100009X") + "ab");
 }
 
 TEST(EscapeFilterStreamBuf, TwoLegacyVariablesWithOnePromptMakeOneVariable)
 {
-    const std::string input = bytes("~T" + textHead + "0VRibbon:|first|~T" + textHead + "0VRibbon:|second|~T" +
+    const std::string input = withControls("~T" + textHead + "0VRibbon:|first|~T" + textHead + "0VRibbon:|second|~T" +
                                     textHead + "0FAB|");
-    EXPECT_EQ(filtered(input), bytes("~VI_rpl_old00|first|Ribbon:|0000000000||"
+    EXPECT_EQ(filtered(input), withControls("~VI_rpl_old00|first|Ribbon:|0000000000||"
                                      "~#T050012700326" "00" "VI_rpl_old00|06L000"
                                      "~#T050012700326" "00" "VI_rpl_old00|06L000"
                                      "~VF_rpl_old02|000000000FAB||~#T050012700326" "00" "VF_rpl_old02|06L000"));
@@ -152,7 +142,7 @@ TEST(EscapeFilterStreamBuf, TwoLegacyVariablesWithOnePromptMakeOneVariable)
 
 TEST(EscapeFilterStreamBuf, EachFilterBeginsItsIdsAndPromptsAnew)
 {
-    const std::string input = bytes("~T" + textHead + "0VRibbon:|first|");
+    const std::string input = withControls("~T" + textHead + "0VRibbon:|first|");
     EXPECT_EQ(filtered(input), filtered(input));
 }
 
@@ -160,16 +150,16 @@ TEST(EscapeFilterStreamBuf, TheHundredthMadeUpIdHasThreeDigits)
 {
     std::string input;
     for (int i = 0; i <= 100; ++i)
-        input += bytes("~T" + textHead + "0FAB|");
+        input += withControls("~T" + textHead + "0FAB|");
     const std::string output = filtered(input);
-    EXPECT_NE(output.find(bytes("|06L000~VF_rpl_old99|")), std::string::npos);
-    EXPECT_EQ(output.substr(output.size() - 20), bytes("VF_rpl_old100|06L000"));
+    EXPECT_NE(output.find(withControls("|06L000~VF_rpl_old99|")), std::string::npos);
+    EXPECT_EQ(output.substr(output.size() - 20), withControls("VF_rpl_old100|06L000"));
     EXPECT_EQ(output.find("_rpl_old101"), std::string::npos);
 }
 
 TEST(EscapeFilterStreamBuf, ConversionFailuresReachTheReader)
 {
-    std::stringbuf source(bytes("~B000001000020001000XD"));
+    std::stringbuf source(withControls("~B000001000020001000XD"));
     EscapeFilterStreamBuf filter(&source);
     std::istream in(&filter);
     in.exceptions(std::ios::eofbit | std::ios::failbit | std::ios::badbit);

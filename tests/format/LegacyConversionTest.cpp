@@ -8,23 +8,13 @@
 #include <string>
 
 #include "errors/KT_Error.h"
+#include "tests/support/EscapeRecords.h"
 #include "tests/support/ExpectFailure.h"
 
 using KT_FMT::LegacyConversion;
 
 namespace {
 
-// '|' stands for VT and '~' for ESC, so that records read as they are written.
-std::string bytes(std::string text)
-{
-    for (char& c : text) {
-        if (c == '|')
-            c = '\x0b';
-        else if (c == '~')
-            c = '\x1b';
-    }
-    return text;
-}
 
 // The head of a legacy text record: font 05, x 00127, y 00326, size 06, orientation 00.
 const std::string textHead = "050012700326" "06" "00";
@@ -36,7 +26,7 @@ protected:
     // Converts the record behind ESC and its letter, with the state of one filter.
     std::string convert(char letter, const std::string& body)
     {
-        source.str(bytes(body));
+        source.str(withControls(body));
         LegacyConversion conversion(source, buffer.data(), static_cast<uint32_t>(buffer.size()), replacementCounter,
                                     variableIds);
         const uint32_t length = letter == 'B' ? conversion.convertBarcode() : conversion.convertText();
@@ -63,23 +53,23 @@ protected:
 TEST_F(LegacyConversionTest, TheWorkedTextConversion)
 {
     EXPECT_EQ(convert('T', textHead + "0FAB|"),
-              bytes("~VF_rpl_old00|000000000FAB||~#T050012700326" "00" "VF_rpl_old00|06L000"));
+              withControls("~VF_rpl_old00|000000000FAB||~#T050012700326" "00" "VF_rpl_old00|06L000"));
     EXPECT_EQ(replacementCounter, 1u);
 }
 
 TEST_F(LegacyConversionTest, ABackslashOfAnOldTextIsDoubled)
 {
     EXPECT_EQ(convert('T', textHead + "0Fa\\b|"),
-              bytes("~VF_rpl_old00|000000000Fa\\\\b||~#T050012700326" "00" "VF_rpl_old00|06L000"));
+              withControls("~VF_rpl_old00|000000000Fa\\\\b||~#T050012700326" "00" "VF_rpl_old00|06L000"));
 }
 
 TEST_F(LegacyConversionTest, ACounterInATextDropsThreeBytesBehindItsSuffix)
 {
     const std::string numbers = "0000001" "0009999" "0000002" "0000003" "0000004";
     EXPECT_EQ(convert('T', textHead + "0S" + numbers + "*P\\|S|xyz~"),
-              bytes("~VC_rpl_old00|S000000001000009999000000002000000003000000004|L*0004P\\\\|S|"
+              withControls("~VC_rpl_old00|S000000001000009999000000002000000003000000004|L*0004P\\\\|S|"
                     "~#T050012700326" "00" "VC_rpl_old00|06L000"));
-    EXPECT_EQ(rest(), bytes("~"));
+    EXPECT_EQ(rest(), withControls("~"));
 }
 
 TEST_F(LegacyConversionTest, ACounterWidthCountsTheDigitsOfTheLargestNumber)
@@ -97,8 +87,8 @@ TEST_F(LegacyConversionTest, ACounterWidthCountsTheDigitsOfTheLargestNumber)
         SCOPED_TRACE(c.numbers);
         replacementCounter = 0;
         const std::string converted = convert('T', textHead + "0" + c.type + c.numbers + "0||xyz");
-        EXPECT_EQ(converted.substr(0, 15), bytes(std::string("~VC_rpl_old00|") + c.type));
-        EXPECT_EQ(converted.substr(61, 10), bytes(std::string("L0") + c.width + "||~#"));
+        EXPECT_EQ(converted.substr(0, 15), withControls(std::string("~VC_rpl_old00|") + c.type));
+        EXPECT_EQ(converted.substr(61, 10), withControls(std::string("L0") + c.width + "||~#"));
     }
 }
 
@@ -112,18 +102,18 @@ TEST_F(LegacyConversionTest, ANulPadByteMeansNoPadding)
 TEST_F(LegacyConversionTest, AVariableInATextKeepsItsPromptAsItStands)
 {
     EXPECT_EQ(convert('T', textHead + "0VRibbon\\:|de\\f|"),
-              bytes("~VI_rpl_old00|de\\\\f|Ribbon\\:|0000000000||~#T050012700326" "00" "VI_rpl_old00|06L000"));
+              withControls("~VI_rpl_old00|de\\\\f|Ribbon\\:|0000000000||~#T050012700326" "00" "VI_rpl_old00|06L000"));
     EXPECT_EQ(variableIds.at("Ribbon\\:"), "VI_rpl_old00");
 }
 
 TEST_F(LegacyConversionTest, EqualPromptsMakeOneVariable)
 {
     convert('T', textHead + "0VRibbon:|first|");
-    EXPECT_EQ(convert('T', textHead + "0VRibbon:|second|"), bytes("~#T050012700326" "00" "VI_rpl_old00|06L000"));
+    EXPECT_EQ(convert('T', textHead + "0VRibbon:|second|"), withControls("~#T050012700326" "00" "VI_rpl_old00|06L000"));
     EXPECT_EQ(replacementCounter, 2u) << "the second record still uses up an id";
     EXPECT_EQ(convert('B', barcodeHead("00") + "02020202" "dropped!" "0" "VRibbon:|third|"),
-              bytes("~#B0000010000200" "0VI_rpl_old00|00100" "02" "00"));
-    EXPECT_EQ(convert('T', textHead + "0VOther|x|").substr(0, 14), bytes("~VI_rpl_old03|"));
+              withControls("~#B0000010000200" "0VI_rpl_old00|00100" "02" "00"));
+    EXPECT_EQ(convert('T', textHead + "0VOther|x|").substr(0, 14), withControls("~VI_rpl_old03|"));
 }
 
 TEST_F(LegacyConversionTest, ABarcodeVariableHasItsLengthAsWidthAndMaximum)
@@ -143,7 +133,7 @@ TEST_F(LegacyConversionTest, ABarcodeVariableHasItsLengthAsWidthAndMaximum)
         variableIds.clear();
         replacementCounter = 0;
         EXPECT_EQ(convert('B', barcodeHead(c.type) + "03020104" "dropped!" "1" "VCode|123|"),
-                  bytes(std::string("~VI_rpl_old00|123|Code|00") + c.length + c.length + "||~#B" + c.type +
+                  withControls(std::string("~VI_rpl_old00|123|Code|00") + c.length + c.length + "||~#B" + c.type +
                         "0001000020" "0" "0VI_rpl_old00|" + c.parameters));
     }
 }
@@ -151,16 +141,16 @@ TEST_F(LegacyConversionTest, ABarcodeVariableHasItsLengthAsWidthAndMaximum)
 TEST_F(LegacyConversionTest, ABarcodeWithAFixedText)
 {
     EXPECT_EQ(convert('B', barcodeHead("00") + "02030104" "dropped!" "1" "F12\\34|~"),
-              bytes("~VF_rpl_old00|000000000F12\\\\34||~#B0000010000200" "0VF_rpl_old00|00100" "01" "10"));
-    EXPECT_EQ(rest(), bytes("~"));
+              withControls("~VF_rpl_old00|000000000F12\\\\34||~#B0000010000200" "0VF_rpl_old00|00100" "01" "10"));
+    EXPECT_EQ(rest(), withControls("~"));
 }
 
 TEST_F(LegacyConversionTest, ACounterInABarcodeDropsTwoBytesBehindItsSuffix)
 {
     EXPECT_EQ(convert('B', barcodeHead("01") + "02020202" "dropped!" "0" "S" + std::string(35, '0') + "0pre|suf|xy~"),
-              bytes("~VC_rpl_old00|S000000000000000000000000000000000000000000000|L00001pre|suf|"
+              withControls("~VC_rpl_old00|S000000000000000000000000000000000000000000000|L00001pre|suf|"
                     "~#B0100010000200" "0VC_rpl_old00|00100" "02" "00"));
-    EXPECT_EQ(rest(), bytes("~"));
+    EXPECT_EQ(rest(), withControls("~"));
 }
 
 TEST_F(LegacyConversionTest, BarcodeTypesWithoutAParameterRuleFail)
@@ -214,8 +204,8 @@ TEST_F(LegacyConversionTest, AContentTextWithoutVtFails)
 TEST_F(LegacyConversionTest, ADateWithLetterNineHasFixedOffsetsAndNoFormula)
 {
     EXPECT_EQ(convert('T', textHead + "30105|9001000000xy~"),
-              bytes("~VD_rpl_old00|0105|F001000000~#T050012700326" "00" "VD_rpl_old00|06L000"));
-    EXPECT_EQ(rest(), bytes("~"));
+              withControls("~VD_rpl_old00|0105|F001000000~#T050012700326" "00" "VD_rpl_old00|06L000"));
+    EXPECT_EQ(rest(), withControls("~"));
 }
 
 TEST_F(LegacyConversionTest, ADateOffsetByNumberGoesThroughAFormulaWithAUnit)
@@ -234,7 +224,7 @@ TEST_F(LegacyConversionTest, ADateOffsetByNumberGoesThroughAFormulaWithAUnit)
         SCOPED_TRACE(c.letter);
         replacementCounter = 0;
         EXPECT_EQ(convert('T', textHead + "301|" + std::string(1, c.letter) + c.groups + "xy"),
-                  bytes(std::string("~VF_rpl_old00|00.000000F") + c.sum + "||~VD_rpl_old01|01|VF_rpl_old00|" +
+                  withControls(std::string("~VF_rpl_old00|00.000000F") + c.sum + "||~VD_rpl_old01|01|VF_rpl_old00|" +
                         c.unit + "~#T050012700326" "00" "VD_rpl_old01|06L000"));
         EXPECT_EQ(replacementCounter, 2u);
     }
@@ -246,7 +236,7 @@ TEST_F(LegacyConversionTest, LettersBelowZeroWriteNoUnit)
         SCOPED_TRACE(letter);
         replacementCounter = 0;
         EXPECT_EQ(convert('T', textHead + "301|" + std::string(1, letter) + "001001xy"),
-                  bytes("~VF_rpl_old00|00.000000F2||~VD_rpl_old01|01|VF_rpl_old00|~#T050012700326" "00"
+                  withControls("~VF_rpl_old00|00.000000F2||~VD_rpl_old01|01|VF_rpl_old00|~#T050012700326" "00"
                         "VD_rpl_old01|06L000"));
     }
 }
@@ -262,13 +252,13 @@ TEST_F(LegacyConversionTest, OtherOffsetLettersFail)
 
 TEST_F(LegacyConversionTest, ADateFormatIsKeptAsItStands)
 {
-    EXPECT_EQ(convert('T', textHead + "317a\\b|9000000000xy").substr(0, 24), bytes("~VD_rpl_old00|17a\\b|F000"));
+    EXPECT_EQ(convert('T', textHead + "317a\\b|9000000000xy").substr(0, 24), withControls("~VD_rpl_old00|17a\\b|F000"));
 }
 
 TEST_F(LegacyConversionTest, FixedFieldsComeOutShortAtTheEndOfTheSource)
 {
     EXPECT_EQ(convert('T', textHead + "301|9001"),
-              bytes("~VD_rpl_old00|01|F001~#T050012700326" "00" "VD_rpl_old00|06L000"));
+              withControls("~VD_rpl_old00|01|F001~#T050012700326" "00" "VD_rpl_old00|06L000"));
 }
 
 namespace {
@@ -307,13 +297,13 @@ private:
 
 TEST_F(LegacyConversionTest, TheDateFormatIsReadOnPastTheEndOfTheSource)
 {
-    StutteringSource stuttering(bytes(textHead + "301"), 5, bytes("05|9001000000xy"));
+    StutteringSource stuttering(withControls(textHead + "301"), 5, withControls("05|9001000000xy"));
     LegacyConversion conversion(stuttering, buffer.data(), static_cast<uint32_t>(buffer.size()), replacementCounter,
                                 variableIds);
     const uint32_t length = conversion.convertText();
     EXPECT_EQ(stuttering.endsReported, 5);
     EXPECT_EQ(std::string(buffer.data(), length),
-              bytes("~VD_rpl_old00|0105|F001000000~#T050012700326" "00" "VD_rpl_old00|06L000"));
+              withControls("~VD_rpl_old00|0105|F001000000~#T050012700326" "00" "VD_rpl_old00|06L000"));
 }
 
 TEST_F(LegacyConversionTest, AConversionOf1024BytesFitsAndOneMoreOverflows)
@@ -335,8 +325,8 @@ TEST_F(LegacyConversionTest, AWholeStringMustLeaveAByteToSpare)
 TEST_F(LegacyConversionTest, MadeUpIdsGrowBeyondTwoDigits)
 {
     replacementCounter = 9;
-    EXPECT_EQ(convert('T', textHead + "0FA|").substr(0, 14), bytes("~VF_rpl_old09|"));
+    EXPECT_EQ(convert('T', textHead + "0FA|").substr(0, 14), withControls("~VF_rpl_old09|"));
     replacementCounter = 100;
-    EXPECT_EQ(convert('T', textHead + "0FA|").substr(0, 15), bytes("~VF_rpl_old100|"));
+    EXPECT_EQ(convert('T', textHead + "0FA|").substr(0, 15), withControls("~VF_rpl_old100|"));
     EXPECT_EQ(replacementCounter, 101u);
 }

@@ -2,6 +2,7 @@
 
 #include "errors/KT_Error.h"
 #include "persistence/FileArray.h"
+#include "tests/persistence/SimpleFSTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -58,24 +59,6 @@ private:
     uint32_t done = 0;
 };
 
-uint32_t createText(SimpleFS& fs, const std::string& text)
-{
-    return fs.create(reinterpret_cast<const uint8_t*>(text.data()), static_cast<uint32_t>(text.size()));
-}
-
-std::string readText(SimpleFS& fs, uint32_t root)
-{
-    std::string result;
-    ReadState state;
-    uint8_t piece[50];
-    bool going = false;
-    do {
-        const uint32_t got = fs.read(piece, sizeof piece, root, &state, going);
-        result.append(reinterpret_cast<const char*>(piece), got);
-        going = true;
-    } while (state.phase != 2);
-    return result;
-}
 
 struct Scenario {
     const char* name;
@@ -86,10 +69,6 @@ struct Scenario {
     bool runsOutOfBlocks = false;
 };
 
-void writeText(SimpleFS& fs, uint32_t root, const std::string& text)
-{
-    fs.write(reinterpret_cast<const uint8_t*>(text.data()), static_cast<uint32_t>(text.size()), root);
-}
 
 const std::string nineteen = "nineteen characters";
 

@@ -2,6 +2,7 @@
 
 #include "errors/KT_Error.h"
 #include "persistence/FileArray.h"
+#include "tests/persistence/SimpleFSTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -17,11 +18,6 @@ using SRAM::FileArray;
 namespace {
 
 using Bytes = std::vector<uint8_t>;
-
-Bytes bytesOf(const std::string& text)
-{
-    return Bytes(text.begin(), text.end());
-}
 
 Bytes snapshot(FileArray& array)
 {
@@ -75,31 +71,6 @@ uint32_t cursorOf(SimpleFS& fs)
     return info[5];
 }
 
-uint32_t createFile(SimpleFS& fs, const std::string& text)
-{
-    const Bytes data = bytesOf(text);
-    return fs.create(data.data(), static_cast<uint32_t>(data.size()));
-}
-
-void writeFile(SimpleFS& fs, uint32_t root, const std::string& text)
-{
-    const Bytes data = bytesOf(text);
-    fs.write(data.data(), static_cast<uint32_t>(data.size()), root);
-}
-
-std::string readFile(SimpleFS& fs, uint32_t root)
-{
-    std::string result;
-    ReadState state;
-    uint8_t piece[50];
-    bool going = false;
-    do {
-        const uint32_t got = fs.read(piece, sizeof piece, root, &state, going);
-        result.append(reinterpret_cast<const char*>(piece), got);
-        going = true;
-    } while (state.phase != 2);
-    return result;
-}
 
 std::string checkText(SimpleFS& fs, uint32_t* result = nullptr, SimpleFSCheckReport* report = nullptr)
 {
@@ -213,8 +184,8 @@ TEST(SimpleFS, MountingAfterFormatGivesTheSameNumbers)
     std::array<uint32_t, 6> formatted{};
     {
         SimpleFS fs(array, 76, 1024, true);
-        createFile(fs, "counter");
-        createFile(fs, "");
+        createText(fs, "counter");
+        createText(fs, "");
         fs.getInfo(formatted);
     }
     SimpleFS mounted(array, 76, 1024, false);
@@ -273,11 +244,11 @@ TEST(SimpleFS, FreshlyFormattedLastsUntilTheFirstWriteOfAFile)
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
     EXPECT_TRUE(fs.isFreshlyFormatted());
-    const uint32_t root = createFile(fs, "a");
+    const uint32_t root = createText(fs, "a");
     EXPECT_FALSE(fs.isFreshlyFormatted());
     fs.format();
     EXPECT_TRUE(fs.isFreshlyFormatted());
-    const uint32_t again = createFile(fs, "b");
+    const uint32_t again = createText(fs, "b");
     fs.format();
     EXPECT_TRUE(fs.isFreshlyFormatted());
     EXPECT_EQ(root, again);
@@ -289,7 +260,7 @@ TEST(SimpleFS, AHeaderThatCountsNoBlocksGivesAFullSystemAndAnEmptyCheck)
     { SimpleFS fs(array, 0, 128, true); }
     putWord(array, 12, 0);
     SimpleFS fs(array, 0, 128, false);
-    expectFailure<SFS_FileSystemFullException>([&] { createFile(fs, "a"); }, "SimpleFS: file system full");
+    expectFailure<SFS_FileSystemFullException>([&] { createText(fs, "a"); }, "SimpleFS: file system full");
     uint32_t result = 99;
     EXPECT_EQ(checkText(fs, &result), "check done; 0 empty blocks; 0 files; 0 lost blocks\n");
     EXPECT_EQ(result, 0u);
@@ -318,14 +289,14 @@ TEST(SimpleFS, FilesTakeTheirBlocksAndFlagsByLength)
         SCOPED_TRACE("\"" + c.text + "\"");
         FileArray array(128);
         SimpleFS fs(array, 0, 128, true);
-        EXPECT_EQ(createFile(fs, c.text), 0u);
+        EXPECT_EQ(createText(fs, c.text), 0u);
         for (uint32_t b = 0; b < c.blocks.size(); ++b)
             EXPECT_EQ(blockAt(array, b), c.blocks[b]) << "block " << b;
         EXPECT_EQ(blockAt(array, static_cast<uint32_t>(c.blocks.size())), Bytes(8, 0));
         EXPECT_EQ(usedBlocksOf(fs), c.blocks.size());
         EXPECT_EQ(wordAt(array, 16), c.blocks.size());
         EXPECT_EQ(fs.fileSize(0), c.text.size());
-        EXPECT_EQ(readFile(fs, 0), c.text);
+        EXPECT_EQ(readText(fs, 0), c.text);
         EXPECT_EQ(fs.check(nullptr, false, nullptr), 0u);
     }
 }
@@ -348,40 +319,40 @@ TEST(SimpleFS, AllocationRunsOnFromTheCursorAndWritesItAtOnce)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    EXPECT_EQ(createFile(fs, "a"), 0u);
-    EXPECT_EQ(createFile(fs, "b"), 1u);
-    EXPECT_EQ(createFile(fs, "c"), 2u);
+    EXPECT_EQ(createText(fs, "a"), 0u);
+    EXPECT_EQ(createText(fs, "b"), 1u);
+    EXPECT_EQ(createText(fs, "c"), 2u);
     EXPECT_EQ(wordAt(array, 24), 2u);
     fs.remove(0);
-    EXPECT_EQ(createFile(fs, "d"), 3u);
-    EXPECT_EQ(createFile(fs, "efghijklm"), 4u);  // blocks 4, 5 and 6
+    EXPECT_EQ(createText(fs, "d"), 3u);
+    EXPECT_EQ(createText(fs, "efghijklm"), 4u);  // blocks 4, 5 and 6
     EXPECT_EQ(cursorOf(fs), 6u);
-    EXPECT_EQ(createFile(fs, "nopqr"), 7u);  // root 7, then round to 0
+    EXPECT_EQ(createText(fs, "nopqr"), 7u);  // root 7, then round to 0
     EXPECT_EQ(blockAt(array, 7)[1], 0);
     EXPECT_EQ(blockAt(array, 0)[0], 0x21);
     EXPECT_EQ(wordAt(array, 24), 0u);
-    EXPECT_EQ(readFile(fs, 7), "nopqr");
+    EXPECT_EQ(readText(fs, 7), "nopqr");
 }
 
 TEST(SimpleFS, TheCursorCanBeResetOrSetWithoutTouchingTheHeader)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    createFile(fs, "a");
-    createFile(fs, "b");
+    createText(fs, "a");
+    createText(fs, "b");
     fs.remove(0);
     fs.resetCursor();
     EXPECT_EQ(cursorOf(fs), 7u);
     EXPECT_EQ(wordAt(array, 24), 1u);
-    EXPECT_EQ(createFile(fs, "c"), 0u);
+    EXPECT_EQ(createText(fs, "c"), 0u);
     fs.setCursor(4);
     EXPECT_EQ(cursorOf(fs), 4u);
     EXPECT_EQ(wordAt(array, 24), 0u);
-    EXPECT_EQ(createFile(fs, "d"), 5u);
+    EXPECT_EQ(createText(fs, "d"), 5u);
     fs.setCursor(1000);
-    EXPECT_EQ(createFile(fs, "e"), 2u);
+    EXPECT_EQ(createText(fs, "e"), 2u);
     fs.setCursor(0xFFFFFFFF);
-    EXPECT_EQ(createFile(fs, "f"), 3u);
+    EXPECT_EQ(createText(fs, "f"), 3u);
 }
 
 TEST(SimpleFS, WithAllBlocksUsedCreateFailsAndNothingChanges)
@@ -389,10 +360,10 @@ TEST(SimpleFS, WithAllBlocksUsedCreateFailsAndNothingChanges)
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
     for (int i = 0; i < 8; ++i)
-        createFile(fs, "full");
+        createText(fs, "full");
     const Bytes before = snapshot(array);
-    expectFailure<SFS_FileSystemFullException>([&] { createFile(fs, "x"); }, "SimpleFS: file system full");
-    expectFailure<SFS_FileSystemFullException>([&] { createFile(fs, ""); }, "SimpleFS: file system full");
+    expectFailure<SFS_FileSystemFullException>([&] { createText(fs, "x"); }, "SimpleFS: file system full");
+    expectFailure<SFS_FileSystemFullException>([&] { createText(fs, ""); }, "SimpleFS: file system full");
     EXPECT_EQ(snapshot(array), before);
     EXPECT_EQ(usedBlocksOf(fs), 8u);
     EXPECT_EQ(cursorOf(fs), 7u);
@@ -403,12 +374,12 @@ TEST(SimpleFS, TheLastFreeBlockCannotTakeAFileThatNeedsTwo)
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
     for (int i = 0; i < 7; ++i)
-        createFile(fs, "full");
-    expectFailure<SFS_FileSystemFullException>([&] { createFile(fs, "12345"); }, "SimpleFS: file system full");
+        createText(fs, "full");
+    expectFailure<SFS_FileSystemFullException>([&] { createText(fs, "12345"); }, "SimpleFS: file system full");
     EXPECT_EQ(blockAt(array, 7), Bytes(8, 0));
     EXPECT_EQ(usedBlocksOf(fs), 7u);
     EXPECT_EQ(wordAt(array, 16), 7u);
-    EXPECT_EQ(createFile(fs, "1234"), 7u);
+    EXPECT_EQ(createText(fs, "1234"), 7u);
 }
 
 TEST(SimpleFS, ACreateThatRunsOutOfBlocksHalfwayLeavesNoTrace)
@@ -416,8 +387,8 @@ TEST(SimpleFS, ACreateThatRunsOutOfBlocksHalfwayLeavesNoTrace)
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
     for (int i = 0; i < 5; ++i)
-        createFile(fs, "full");
-    expectFailure<SFS_FileSystemFullException>([&] { createFile(fs, "0123456789ab+"); },
+        createText(fs, "full");
+    expectFailure<SFS_FileSystemFullException>([&] { createText(fs, "0123456789ab+"); },
                                                "SimpleFS: file system full");
     for (uint32_t b = 5; b < 8; ++b)
         EXPECT_EQ(blockAt(array, b), Bytes(8, 0)) << "block " << b;
@@ -432,39 +403,39 @@ TEST(SimpleFS, RewritingNineBytesWithThreeKeepsTheRootAndFreesTheRest)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    const uint32_t root = createFile(fs, "123456789");
+    const uint32_t root = createText(fs, "123456789");
     EXPECT_EQ(usedBlocksOf(fs), 3u);
-    writeFile(fs, root, "abc");
+    writeText(fs, root, "abc");
     EXPECT_EQ(usedBlocksOf(fs), 1u);
     EXPECT_EQ(wordAt(array, 16), 1u);
     EXPECT_EQ(blockAt(array, root), (Bytes{0x69, 0, 0, 0, 'a', 'b', 'c', 0}));
     EXPECT_EQ(blockAt(array, 1), Bytes(8, 0));
     EXPECT_EQ(blockAt(array, 2), Bytes(8, 0));
-    EXPECT_EQ(readFile(fs, root), "abc");
+    EXPECT_EQ(readText(fs, root), "abc");
 }
 
 TEST(SimpleFS, RewritingThreeBytesWithNineAllocatesTwoBlocks)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    const uint32_t root = createFile(fs, "abc");
-    createFile(fs, "x");
-    writeFile(fs, root, "123456789");
+    const uint32_t root = createText(fs, "abc");
+    createText(fs, "x");
+    writeText(fs, root, "123456789");
     EXPECT_EQ(usedBlocksOf(fs), 4u);
     EXPECT_EQ(wordAt(array, 16), 4u);
     EXPECT_EQ(blockAt(array, root), (Bytes{0x09, 2, 0, 0, '1', '2', '3', '4'}));
     EXPECT_EQ(blockAt(array, 2), (Bytes{0x01, 3, 0, 0, '5', '6', '7', '8'}));
     EXPECT_EQ(blockAt(array, 3), (Bytes{0x21, 0, 0, 0, '9', 0, 0, 0}));
-    EXPECT_EQ(readFile(fs, root), "123456789");
+    EXPECT_EQ(readText(fs, root), "123456789");
 }
 
 TEST(SimpleFS, ARewriteOfTheSameLengthStaysInTheSameBlocks)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    const uint32_t root = createFile(fs, "0123456789");
+    const uint32_t root = createText(fs, "0123456789");
     const uint32_t cursor = cursorOf(fs);
-    writeFile(fs, root, "abcdefghij");
+    writeText(fs, root, "abcdefghij");
     EXPECT_EQ(cursorOf(fs), cursor);
     EXPECT_EQ(usedBlocksOf(fs), 3u);
     EXPECT_EQ(blockAt(array, 0), (Bytes{0x09, 1, 0, 0, 'a', 'b', 'c', 'd'}));
@@ -476,14 +447,14 @@ TEST(SimpleFS, RewritingAChainWithNothingFreesAllButTheRootWhichKeepsItsBytes)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    const uint32_t root = createFile(fs, "123456789");
+    const uint32_t root = createText(fs, "123456789");
     fs.write(nullptr, 0, root);
     EXPECT_EQ(blockAt(array, root), (Bytes{0xE9, 1, 0, 0, '1', '2', '3', '4'}));
     EXPECT_EQ(blockAt(array, 1), Bytes(8, 0));
     EXPECT_EQ(blockAt(array, 2), Bytes(8, 0));
     EXPECT_EQ(usedBlocksOf(fs), 1u);
     EXPECT_EQ(fs.fileSize(root), 0u);
-    EXPECT_EQ(readFile(fs, root), "");
+    EXPECT_EQ(readText(fs, root), "");
     EXPECT_EQ(fs.check(nullptr, false, nullptr), 0u);
 }
 
@@ -491,7 +462,7 @@ TEST(SimpleFS, RewritingAOneBlockFileWithNothingChangesOnlyTheFlags)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    const uint32_t root = createFile(fs, "xyz");
+    const uint32_t root = createText(fs, "xyz");
     fs.write(nullptr, 0, root);
     EXPECT_EQ(blockAt(array, root), (Bytes{0xE9, 0, 0, 0, 'x', 'y', 'z', 0}));
     EXPECT_EQ(usedBlocksOf(fs), 1u);
@@ -504,24 +475,24 @@ TEST(SimpleFS, AnEmptyFileTakesNewContentInItsRoot)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    createFile(fs, "a");
-    const uint32_t root = createFile(fs, "");
-    writeFile(fs, root, "hello");
+    createText(fs, "a");
+    const uint32_t root = createText(fs, "");
+    writeText(fs, root, "hello");
     EXPECT_EQ(blockAt(array, root), (Bytes{0x09, 2, 0, 0, 'h', 'e', 'l', 'l'}));
     EXPECT_EQ(blockAt(array, 2), (Bytes{0x21, 0, 0, 0, 'o', 0, 0, 0}));
     EXPECT_EQ(usedBlocksOf(fs), 3u);
-    EXPECT_EQ(readFile(fs, root), "hello");
+    EXPECT_EQ(readText(fs, root), "hello");
 }
 
 TEST(SimpleFS, WriteToABlockThatIsNoRootFailsAndLeavesItUnchanged)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    createFile(fs, "123456789");
+    createText(fs, "123456789");
     const Bytes before = snapshot(array);
     for (uint32_t block : {1u, 2u, 3u, 8u, 0xFFFFFFFFu}) {
         SCOPED_TRACE(block);
-        expectFailure<SFS_Exception>([&] { writeFile(fs, block, "new"); }, "SimpleFS: not a root block");
+        expectFailure<SFS_Exception>([&] { writeText(fs, block, "new"); }, "SimpleFS: not a root block");
     }
     EXPECT_EQ(snapshot(array), before);
 }
@@ -530,16 +501,16 @@ TEST(SimpleFS, AFailedRewriteForLackOfBlocksLosesTheFile)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    const uint32_t root = createFile(fs, "1234567");
+    const uint32_t root = createText(fs, "1234567");
     for (int i = 0; i < 5; ++i)
-        createFile(fs, "full");
-    expectFailure<SFS_FileSystemFullException>([&] { writeFile(fs, root, "0123456789abcdef"); },
+        createText(fs, "full");
+    expectFailure<SFS_FileSystemFullException>([&] { writeText(fs, root, "0123456789abcdef"); },
                                                "SimpleFS: file system full");
     EXPECT_EQ(blockAt(array, 0), Bytes(8, 0));
     EXPECT_EQ(blockAt(array, 1), Bytes(8, 0));
     EXPECT_EQ(blockAt(array, 7), Bytes(8, 0));
     EXPECT_FALSE(fs.isRoot(root));
-    expectFailure<SFS_FileNotFoundException>([&] { readFile(fs, root); },
+    expectFailure<SFS_FileNotFoundException>([&] { readText(fs, root); },
                                              "SimpleFS: addressed empty block in address 0x0");
     // The count of used blocks stays true to the store.
     EXPECT_EQ(usedBlocksOf(fs), 5u);
@@ -551,10 +522,10 @@ TEST(SimpleFS, AFailedRewriteOfAOneBlockFileLosesItAndKeepsTheCountTrue)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    const uint32_t root = createFile(fs, "ab");
+    const uint32_t root = createText(fs, "ab");
     for (int i = 0; i < 7; ++i)
-        createFile(fs, "full");
-    expectFailure<SFS_FileSystemFullException>([&] { writeFile(fs, root, "abcdefgh"); },
+        createText(fs, "full");
+    expectFailure<SFS_FileSystemFullException>([&] { writeText(fs, root, "abcdefgh"); },
                                                "SimpleFS: file system full");
     EXPECT_EQ(blockAt(array, root), Bytes(8, 0));
     EXPECT_EQ(usedBlocksOf(fs), 7u);
@@ -568,7 +539,7 @@ TEST(SimpleFS, ReadingInPiecesCarriesTheStateAcrossBlocks)
     FileArray array(1024);
     SimpleFS fs(array, 0, 1024, true);
     const std::string text = "The quick brown fox jumps over the lazy dog";
-    const uint32_t root = createFile(fs, text);
+    const uint32_t root = createText(fs, text);
     for (uint32_t piece = 1; piece <= 9; ++piece) {
         SCOPED_TRACE(piece);
         ReadState state;
@@ -591,7 +562,7 @@ TEST(SimpleFS, AReadStopsAtTheLengthAskedFor)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    const uint32_t root = createFile(fs, "abcdefgh");
+    const uint32_t root = createText(fs, "abcdefgh");
     uint8_t target[8] = {};
     ReadState state;
     EXPECT_EQ(fs.read(target, 4, root, &state, false), 4u);
@@ -613,8 +584,8 @@ TEST(SimpleFS, AReadWithoutStateStartsAtTheRoot)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    createFile(fs, "zz");
-    const uint32_t root = createFile(fs, "abcdef");
+    createText(fs, "zz");
+    const uint32_t root = createText(fs, "abcdef");
     uint8_t target[10] = {};
     EXPECT_EQ(fs.read(target, 10, root, nullptr, true), 6u);
     EXPECT_EQ(std::string(target, target + 6), "abcdef");
@@ -625,7 +596,7 @@ TEST(SimpleFS, ReadingFailsOnAFreeBlockOrAnInnerBlock)
 {
     FileArray array(1024);
     SimpleFS fs(array, 0, 1024, true);
-    const uint32_t root = createFile(fs, "123456789");
+    const uint32_t root = createText(fs, "123456789");
     uint8_t target[16];
     expectFailure<SFS_FileNotFoundException>([&] { fs.read(target, 16, 31, nullptr, false); },
                                              "SimpleFS: addressed empty block in address 0x1f");
@@ -635,7 +606,7 @@ TEST(SimpleFS, ReadingFailsOnAFreeBlockOrAnInnerBlock)
     ReadState state;
     EXPECT_EQ(fs.read(target, 2, root, &state, false), 2u);
     fs.remove(root);
-    createFile(fs, "abcd");
+    createText(fs, "abcd");
     expectFailure<SFS_FileNotFoundException>([&] { fs.read(target, 16, root, &state, true); },
                                              "SimpleFS: addressed empty block in address 0x0");
 }
@@ -644,7 +615,7 @@ TEST(SimpleFS, AReaderMeetingAnotherFilesBlockOnlyFailsAtTheStart)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    const uint32_t root = createFile(fs, "abcdefgh");
+    const uint32_t root = createText(fs, "abcdefgh");
     setBlock(array, 1, {0x29, 0, 0, 0, 'Z', 0, 0, 0});  // a damaged chain runs into a root
     uint8_t target[16] = {};
     EXPECT_EQ(fs.read(target, 16, root, nullptr, false), 5u);
@@ -675,7 +646,7 @@ TEST(SimpleFS, FileSizeAddsFourPerFullBlockAndTheLengthOfTheLast)
     SimpleFS fs(array, 0, 1024, true);
     for (uint32_t length : {0u, 1u, 3u, 4u, 5u, 8u, 9u, 12u, 13u, 100u, 401u}) {
         SCOPED_TRACE(length);
-        const uint32_t root = createFile(fs, std::string(length, 'q'));
+        const uint32_t root = createText(fs, std::string(length, 'q'));
         EXPECT_EQ(fs.fileSize(root), length);
         fs.remove(root);
     }
@@ -687,7 +658,7 @@ TEST(SimpleFS, FileSizeOfAFreeBlockFailsWithItsNumber)
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
     expectFailure<SFS_Exception>([&] { fs.fileSize(3); }, "SimpleFS: querying size of empty file 3");
-    createFile(fs, "abcdefghi");
+    createText(fs, "abcdefghi");
     setBlock(array, 1, Bytes(8, 0));
     expectFailure<SFS_Exception>([&] { fs.fileSize(0); }, "SimpleFS: querying size of empty file 1");
 }
@@ -696,7 +667,7 @@ TEST(SimpleFS, FileSizeEndsWithNothingWhereverAnEmptyMarkIsMet)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    createFile(fs, "abcdefghijkl");
+    createText(fs, "abcdefghijkl");
     setBlock(array, 2, {0xE9, 0, 0, 0, 0, 0, 0, 0});
     EXPECT_EQ(fs.fileSize(0), 0u);
     // Any other last block adds its length bits, even a damaged one.
@@ -708,7 +679,7 @@ TEST(SimpleFS, FileSizeOfAChainThatRunsInACircleFails)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    createFile(fs, "abcdefghijkl");
+    createText(fs, "abcdefghijkl");
     setBlock(array, 2, {0x01, 1, 0, 0, 'i', 'j', 'k', 'l'});
     expectFailure<SFS_Exception>([&] { fs.fileSize(0); }, "SimpleFS: chain of file 0 runs in a circle");
 }
@@ -717,17 +688,17 @@ TEST(SimpleFS, RemoveClearsEveryBlockOfTheChain)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    createFile(fs, "a");
-    const uint32_t root = createFile(fs, "0123456789");
-    createFile(fs, "b");
+    createText(fs, "a");
+    const uint32_t root = createText(fs, "0123456789");
+    createText(fs, "b");
     EXPECT_EQ(usedBlocksOf(fs), 5u);
     fs.remove(root);
     for (uint32_t b = 1; b <= 3; ++b)
         EXPECT_EQ(blockAt(array, b), Bytes(8, 0)) << "block " << b;
     EXPECT_EQ(usedBlocksOf(fs), 2u);
     EXPECT_EQ(wordAt(array, 16), 2u);
-    EXPECT_EQ(readFile(fs, 0), "a");
-    EXPECT_EQ(readFile(fs, 4), "b");
+    EXPECT_EQ(readText(fs, 0), "a");
+    EXPECT_EQ(readText(fs, 4), "b");
     fs.remove(fs.create(nullptr, 0));
     EXPECT_EQ(usedBlocksOf(fs), 2u);
 }
@@ -745,7 +716,7 @@ TEST(SimpleFS, RemovingABrokenChainFreesWhatComesBeforeTheGapAndThenFails)
 {
     FileArray array(128);
     SimpleFS fs(array, 0, 128, true);
-    createFile(fs, "abcdefghijkl");
+    createText(fs, "abcdefghijkl");
     setBlock(array, 2, Bytes(8, 0));
     expectFailure<SFS_Exception>([&] { fs.remove(0); }, "SimpleFS: trying to delete empty block");
     EXPECT_EQ(blockAt(array, 0), Bytes(8, 0));
@@ -759,7 +730,7 @@ TEST(SimpleFS, AUsedBlockOfABadTypeIsRefusedByEveryFileOperation)
         SCOPED_TRACE(static_cast<int>(flags));
         FileArray array(128);
         SimpleFS fs(array, 0, 128, true);
-        createFile(fs, "abcd");
+        createText(fs, "abcd");
         setBlock(array, 0, {flags, 0, 0, 0, 'a', 'b', 'c', 'd'});
         const Bytes before = snapshot(array);
         uint8_t target[8];
@@ -768,7 +739,7 @@ TEST(SimpleFS, AUsedBlockOfABadTypeIsRefusedByEveryFileOperation)
         expectFailure<SFS_Exception>([&] { fs.fileSize(0); }, text);
         expectFailure<SFS_Exception>([&] { fs.remove(0); }, text);
         if (fs.isRoot(0)) {
-            expectFailure<SFS_Exception>([&] { writeFile(fs, 0, "x"); }, text);
+            expectFailure<SFS_Exception>([&] { writeText(fs, 0, "x"); }, text);
             expectFailure<SFS_Exception>([&] { fs.write(nullptr, 0, 0); }, text);
         }
         EXPECT_EQ(snapshot(array), before);
@@ -835,9 +806,9 @@ TEST(SimpleFS, CheckCountsFilesAndEmptyBlocksAndChangesNothing)
 {
     FileArray array(1024);
     SimpleFS fs(array, 0, 1024, true);
-    createFile(fs, "");
-    createFile(fs, "abc");
-    createFile(fs, std::string(30, 'x'));
+    createText(fs, "");
+    createText(fs, "abc");
+    createText(fs, std::string(30, 'x'));
     const Bytes before = snapshot(array);
     uint32_t result = 99;
     EXPECT_EQ(checkText(fs, &result), "check done; 110 empty blocks; 3 files; 0 lost blocks\n");

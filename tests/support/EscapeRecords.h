@@ -29,3 +29,15 @@ std::string graphicRecord(int32_t x, int32_t y, int32_t widthBytes, int32_t rows
             record.push_back(static_cast<char>(bytes(r, b)));
     return record;
 }
+
+// '|' stands for VT and '~' for ESC, so that records read as they are written.
+inline std::string withControls(std::string text)
+{
+    for (char& c : text) {
+        if (c == '|')
+            c = '\x0b';
+        else if (c == '~')
+            c = '\x1b';
+    }
+    return text;
+}
