@@ -286,7 +286,7 @@ void SimpleFS::writeFile(const uint8_t* data, uint32_t length, uint32_t root)
             try {
                 next = allocate(current);
             } catch (const SFS_FileSystemFullException&) {
-                abandonWrite(root, countedUnwritten);
+                abandonWrite(root);
                 throw;
             }
         }
@@ -296,14 +296,13 @@ void SimpleFS::writeFile(const uint8_t* data, uint32_t length, uint32_t root)
     }
 }
 
-// A write that runs out of blocks loses the whole file, root included. Only a block counted and never
-// written is taken back here; the removal counts off the rest.
-void SimpleFS::abandonWrite(uint32_t root, bool countedUnwritten)
+// A write that runs out of blocks loses the whole file, root included. The count always goes down by one
+// first, deliberately even where the old chain's last block was reached and nothing was counted up: the
+// count then ends one below the blocks in use.
+void SimpleFS::abandonWrite(uint32_t root)
 {
-    if (countedUnwritten) {
-        --usedBlocks;
-        writeUsedBlocks();
-    }
+    --usedBlocks;
+    writeUsedBlocks();
     removeChain(root, true);
 }
 

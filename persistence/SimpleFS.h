@@ -68,7 +68,7 @@ private:
     uint32_t allocate(uint32_t excluded);
     void writeFile(const uint8_t* data, uint32_t length, uint32_t root);
     void writeEmptyFile(uint32_t root);
-    void abandonWrite(uint32_t root, bool countedUnwritten);
+    void abandonWrite(uint32_t root);
     void removeChain(uint32_t block, bool tolerant);
     struct CheckState;
     void markUsedBlocks(CheckState& state);
