@@ -203,6 +203,7 @@ TEST(RingStorageStreambuf, ASeekWithOnlyTheOutputFlagFailsAndLeavesTheReadPositi
     EXPECT_EQ(ring.sbumpc(), '8');
     EXPECT_EQ(ring.sgetc(), '9');
     EXPECT_EQ(ring.pubseekpos(0, std::ios_base::out), std::streampos(-1));
+    EXPECT_EQ(ring.in_avail(), 0);  // the fetched '9' was given back to the ring
     EXPECT_EQ(ring.sbumpc(), '9');
     EXPECT_EQ(storedPut(array, 0), 6u);
 }
