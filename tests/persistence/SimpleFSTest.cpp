@@ -497,6 +497,31 @@ TEST(SimpleFS, WriteToABlockThatIsNoRootFailsAndLeavesItUnchanged)
     EXPECT_EQ(snapshot(array), before);
 }
 
+// The old chain is removed as by remove: a gap in it is an error, not the end of the chain.
+TEST(SimpleFS, ARewriteShorterThanABrokenChainFreesUpToTheGapAndThenFails)
+{
+    FileArray array(128);
+    SimpleFS fs(array, 0, 128, true);
+    const uint32_t root = createText(fs, "abcdefghijkl");
+    setBlock(array, 2, Bytes(8, 0));
+    expectFailure<SFS_Exception>([&] { writeText(fs, root, "xyz"); }, "SimpleFS: trying to delete empty block");
+    EXPECT_EQ(blockAt(array, root), (Bytes{0x69, 0, 0, 0, 'x', 'y', 'z', 0}));
+    EXPECT_EQ(blockAt(array, 1), Bytes(8, 0));
+    EXPECT_EQ(usedBlocksOf(fs), 2u);
+}
+
+TEST(SimpleFS, EmptyingAFileWithABrokenChainFailsBeforeTheRootChanges)
+{
+    FileArray array(128);
+    SimpleFS fs(array, 0, 128, true);
+    const uint32_t root = createText(fs, "abcdefghijkl");
+    setBlock(array, 2, Bytes(8, 0));
+    expectFailure<SFS_Exception>([&] { fs.write(nullptr, 0, root); }, "SimpleFS: trying to delete empty block");
+    EXPECT_EQ(blockAt(array, root), (Bytes{0x09, 1, 0, 0, 'a', 'b', 'c', 'd'}));
+    EXPECT_EQ(blockAt(array, 1), Bytes(8, 0));
+    EXPECT_EQ(usedBlocksOf(fs), 2u);
+}
+
 TEST(SimpleFS, AFailedRewriteForLackOfBlocksLosesTheFile)
 {
     FileArray array(128);
