@@ -159,3 +159,11 @@ TEST_F(GraphicsTest, TheBandGrowsWithTheRowsThatCarryInk)
     EXPECT_EQ(image.getFirstUsedRow(), 5);
     EXPECT_EQ(image.getLastUsedRow(), 7);
 }
+
+TEST_F(GraphicsTest, ABadDigitIsTheFieldReadersFault)
+{
+    expectFailure<KT_ERROR::parse_time_error>(
+        [&] { parse("\x1bG000000000000001000x1#\xff"); },
+        "non-digit or too many sign characters read while parsing number: x");
+    EXPECT_EQ(format.getDrawables().size(), 0u);
+}

@@ -90,6 +90,14 @@ TEST_F(InvertTest, AnUpdateOfAFormatWithAnInvertedAreaFails)
     expectFailure<KT_ERROR::bad_escape_sequence>([&] { format.update(); }, "Element id not found: ");
 }
 
+TEST_F(InvertTest, ABadDigitIsTheFieldReadersFault)
+{
+    expectFailure<KT_ERROR::parse_time_error>(
+        [&] { parse("\x1b#I0000000000000 100001"); },
+        "non-digit or too many sign characters read while parsing number:  ");
+    EXPECT_EQ(format.getDrawables().size(), 0u);
+}
+
 TEST_F(InvertTest, TheProcessWideOffsetMovesTheArea)
 {
     KT_AC::drawableXOffset = 32;
