@@ -260,6 +260,37 @@ TEST(Image, SetPixelInvertsAndRefusesBadArguments)
                                           "illegal colour argument to Image::setPixel()");
 }
 
+namespace {
+
+// An image that writes down the pixel calls that reach it.
+class PixelSpy : public Image {
+public:
+    PixelSpy() : Image(64, 4) {}
+    int getPixel(int32_t x, int32_t y) override
+    {
+        calls.push_back("get");
+        return Image::getPixel(x, y);
+    }
+    void setPixel(int32_t x, int32_t y, int colour) override
+    {
+        calls.push_back("set " + std::to_string(colour));
+        Image::setPixel(x, y, colour);
+    }
+    std::vector<std::string> calls;
+};
+
+}  // namespace
+
+TEST(Image, InvertingAPixelReadsAndWritesItThroughTheVirtualSlots)
+{
+    PixelSpy image;
+    image.setPixel(5, 1, 2);
+    EXPECT_EQ(image.calls, (std::vector<std::string>{"set 2", "get", "set 1"}));
+    image.calls.clear();
+    image.setPixel(5, 1, 2);
+    EXPECT_EQ(image.calls, (std::vector<std::string>{"set 2", "get", "set 0"}));
+}
+
 TEST(Image, GetPixelOutsideSaysSoAndReturnsPaper)
 {
     Image image(64, 4);
