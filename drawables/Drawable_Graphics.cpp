@@ -42,7 +42,8 @@ void Drawable_Graphics::paintRow(std::istream& stream, Image& target, int32_t ro
             word = 0;
         }
     }
-    if (bytes % 4 == 0)
+    // A negative width has no bytes, so it leaves no rest to place either.
+    if (bytes < 0 || bytes % 4 == 0)
         return;
     word <<= 8 * (4 - bytes % 4);
     const int32_t col = x / 32 + bytes / 4;

@@ -11,7 +11,9 @@
 #include "format/KT_Format.h"
 #include "graphics/Image.h"
 #include "tests/autocode/ProbeElement.h"
+#include "tests/support/EscapeRecords.h"
 #include "tests/support/ExpectFailure.h"
+#include "tests/support/PixelCanvas.h"
 
 using namespace KT_AC;
 
@@ -179,4 +181,16 @@ TEST_F(DrawableTest, PaintAllStopsAtTheFirstFailureAndKeepsWhatWasPainted)
     addElement("Xc").unchanged = false;
     EXPECT_THROW(format.getDrawables().paintAll(image, STAGE_UPDATE), KT_ERROR::bad_escape_sequence);
     EXPECT_EQ(journal, (std::vector<std::string>{"blank Xa", "redraw Xa"}));
+}
+
+TEST_F(DrawableTest, TheFinishAndPreloadStagesLeaveEveryKindOfDrawableAlone)
+{
+    std::istringstream in("KINDS     " + boxRecord(0, 0, 8, 4, 0, 0) + "\x1b#I00000000000000100002" +
+                          graphicRecord(32, 8, 1, 1, [](int32_t, int32_t) { return 0xFF; }) + "\xff");
+    format.parse(in, nullptr, 0);
+    ASSERT_EQ(format.getDrawables().size(), 3u);
+    image.clear();
+    format.getDrawables().paintAll(image, STAGE_FINISH);
+    format.getDrawables().paintAll(image, STAGE_PRELOAD);
+    EXPECT_TRUE(PixelCanvas::of(image) == PixelCanvas(64, 16));
 }

@@ -123,7 +123,10 @@ TEST_F(BoxTest, TheProcessWideOffsetMovesTheBox)
 
 TEST_F(BoxTest, ABadDigitIsTheFieldReadersFault)
 {
-    EXPECT_THROW(parse("\x1bL00A00"), KT_ERROR::parse_time_error);
+    expectFailure<KT_ERROR::parse_time_error>(
+        [&] { parse("\x1bL000000000000010000100001X00000"); },
+        "non-digit or too many sign characters read while parsing number: X");
+    EXPECT_EQ(format.getDrawables().size(), 0u);
 }
 
 TEST_F(BoxTest, BoxesAreStaticAndPaintedInTheStaticStage)

@@ -141,3 +141,29 @@ TEST_F(GraphicsTest, TheProcessWideOffsetMovesTheGraphic)
     EXPECT_EQ(image.getPixel(32, 0), 1);
     EXPECT_EQ(image.getPixel(0, 0), 0);
 }
+
+TEST_F(GraphicsTest, ANegativeWidthReadsNoBytesAndPaintsNothingEvenAtTheRightEdge)
+{
+    // x 128 lies just past a raster of 128 dots, but a width of -8 dots still passes the bounds test.
+    parse(graphicRecord(128, 0, -1, 3, [](int32_t, int32_t) { return 0xFF; }) +
+          "\x1bL000000000000001000010000000000");
+    PixelCanvas expected(128, 20);
+    expected.fill(0, 0, 1, 1);
+    EXPECT_TRUE(PixelCanvas::of(image) == expected);
+    EXPECT_EQ(format.getDrawables().size(), 2u);
+}
+
+TEST_F(GraphicsTest, TheBandGrowsWithTheRowsThatCarryInk)
+{
+    parse(graphicRecord(0, 4, 2, 5, [](int32_t r, int32_t) { return r == 1 || r == 3 ? 0x18 : 0x00; }));
+    EXPECT_EQ(image.getFirstUsedRow(), 5);
+    EXPECT_EQ(image.getLastUsedRow(), 7);
+}
+
+TEST_F(GraphicsTest, ABadDigitIsTheFieldReadersFault)
+{
+    expectFailure<KT_ERROR::parse_time_error>(
+        [&] { parse("\x1bG000000000000001000x1#\xff"); },
+        "non-digit or too many sign characters read while parsing number: x");
+    EXPECT_EQ(format.getDrawables().size(), 0u);
+}

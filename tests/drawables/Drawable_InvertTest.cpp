@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <sstream>
 
 #include "errors/KT_Error.h"
@@ -13,6 +14,16 @@
 using KT_FMT::KT_Format;
 
 namespace {
+
+// A variable drawable that inks one fixed row of dots whenever it is redrawn.
+class InkingDrawable : public KT_AC::Drawable {
+public:
+    InkingDrawable(KT_Format& format, int32_t row) : Drawable(format), row(row) {}
+    void redraw(Image& image) override { image.rectangle(0, row, 32, 1, 1); }
+
+private:
+    int32_t row;
+};
 
 class InvertTest : public testing::Test {
 protected:
@@ -77,4 +88,36 @@ TEST_F(InvertTest, AnUpdateOfAFormatWithAnInvertedAreaFails)
 {
     parse("\x1b#I00000000000000100001");
     expectFailure<KT_ERROR::bad_escape_sequence>([&] { format.update(); }, "Element id not found: ");
+}
+
+TEST_F(InvertTest, ABadDigitIsTheFieldReadersFault)
+{
+    expectFailure<KT_ERROR::parse_time_error>(
+        [&] { parse("\x1b#I0000000000000 100001"); },
+        "non-digit or too many sign characters read while parsing number:  ");
+    EXPECT_EQ(format.getDrawables().size(), 0u);
+}
+
+TEST_F(InvertTest, TheProcessWideOffsetMovesTheArea)
+{
+    KT_AC::drawableXOffset = 32;
+    parse("\x1b#I00000000010000100002");
+    KT_AC::drawableXOffset = 0;
+    PixelCanvas expected(96, 40);
+    expected.fill(32, 1, 8, 2);
+    EXPECT_TRUE(PixelCanvas::of(image) == expected);
+}
+
+TEST_F(InvertTest, ItFlipsTheVariableDrawablesBeforeItButNotThoseAfter)
+{
+    parse("");
+    format.getDrawables().add(std::make_unique<InkingDrawable>(format, 0));
+    std::istringstream record("00000000000000400002");
+    KT_AC::Drawable_Invert::read(record, format);
+    format.getDrawables().add(std::make_unique<InkingDrawable>(format, 1));
+    format.getDrawables().paintAll(image, KT_AC::STAGE_VARIABLE);
+    // Row 0 was inked and flipped back; row 1 was flipped, then inked, and stays so.
+    PixelCanvas expected(96, 40);
+    expected.fill(0, 1, 32, 1);
+    EXPECT_TRUE(PixelCanvas::of(image) == expected);
 }

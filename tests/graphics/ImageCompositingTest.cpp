@@ -196,3 +196,25 @@ TEST(ImageCompositing, RestoreAreaKeepsTheBandTrue)
     EXPECT_EQ(image.getFirstUsedRow(), 12);
     EXPECT_EQ(image.getLastUsedRow(), 13);
 }
+
+TEST(ImageCompositing, RestoreAreaLeavesALooseBandEdgeAloneUnlessTheAreaMovesItOrEndsOnIt)
+{
+    Image background(64, 20);
+    Image image(64, 20);
+    image.setBackground(&background);
+    image.setPixel(0, 3, 1);
+    image.setPixel(0, 10, 1);
+    image.setPixel(0, 10, 0);  // leaves the band reaching down to row 10
+    image.restoreArea({32, 5, 63, 6});
+    EXPECT_EQ(image.getFirstUsedRow(), 3);
+    EXPECT_EQ(image.getLastUsedRow(), 10) << "an unchanged last row that isn't the area's bottom stays";
+    image.restoreArea({32, 5, 63, 10});
+    EXPECT_EQ(image.getLastUsedRow(), 3) << "the area ends on the last row, which is therefore rescanned";
+
+    image.setPixel(0, 1, 1);
+    image.setPixel(0, 1, 0);  // and now up to row 1
+    image.restoreArea({32, 2, 63, 2});
+    EXPECT_EQ(image.getFirstUsedRow(), 1);
+    image.restoreArea({32, 1, 63, 2});
+    EXPECT_EQ(image.getFirstUsedRow(), 3);
+}

@@ -5,11 +5,14 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "errors/KT_Error.h"
+#include "persistence/nullbuf.h"
 #include "tests/support/ExpectFailure.h"
 
 namespace {
@@ -90,10 +93,21 @@ TEST(Image, ConstructionLimitsApplyToTheWidthAsPassed)
             Image image(c.width, c.height);
             EXPECT_EQ(image.getWidth(), c.roundedWidth);
         } else {
-            EXPECT_EQ(throwsText([&] { Image image(c.width, c.height); }),
-                      "trying to construct image with illegal parameters");
+            expectFailure<KT_ERROR::kt_exception>([&] { Image image(c.width, c.height); },
+                                                  "trying to construct image with illegal parameters");
         }
     }
+}
+
+TEST(Image, AWidthThatIsNoMultipleOf32IsRoundedUpWithANoteOnTheDebugStream)
+{
+    std::ostringstream captured;
+    std::streambuf* const previous = debugStream.rdbuf(captured.rdbuf());
+    Image rounded(33, 1);
+    Image exact(64, 1);
+    debugStream.rdbuf(previous);
+    EXPECT_EQ(captured.str(), "trying to construct imagewith width not divisible by 32, rounding up");
+    EXPECT_EQ(rounded.getWidth(), 64u);
 }
 
 TEST(Image, ZeroWidthOrHeightPaintsNothingEvenOffTheRaster)
@@ -126,8 +140,8 @@ TEST(Image, TheTopLeftPixelIsTheTopBitOfTheFirstWord)
 TEST(Image, ARectangleOffTheRasterIsRefusedWhole)
 {
     Image image(64, 10);
-    EXPECT_EQ(throwsText([&] { image.rectangle(60, 2, 5, 3, 1); }), "rectangle off image(x/y/w/h): (60/2/5/3)");
-    EXPECT_THROW(image.rectangle(60, 2, 5, 3, 1), KT_ERROR::drawable_off_format);
+    expectFailure<KT_ERROR::drawable_off_format>([&] { image.rectangle(60, 2, 5, 3, 1); },
+                                                 "rectangle off image(x/y/w/h): (60/2/5/3)");
     EXPECT_EQ(throwsText([&] { image.rectangle(0, -1, 5, 3, 1); }), "rectangle off image(x/y/w/h): (0/-1/5/3)");
     EXPECT_EQ(throwsText([&] { image.rectangle(0, 8, 5, 3, 1); }), "rectangle off image(x/y/w/h): (0/8/5/3)");
     EXPECT_EQ(countInk(image), 0);
@@ -165,6 +179,19 @@ TEST(Image, RectanglesMatchAPixelByPixelReferenceInAllColours)
                     ASSERT_EQ(image.getPixel(x, y), expected[y * 96 + x]) << x << "," << y;
         }
     }
+}
+
+TEST(Image, TheInheritedRectangleFormsEndInTheRectangleOfTheImage)
+{
+    Image image(64, 8);
+    image.rectangle(Point{33, 2}, Point{40, 5}, 1);
+    image.rectangleCorners(1, 6, 2, 6, 1);
+    for (int32_t y = 0; y < 8; ++y)
+        for (int32_t x = 0; x < 64; ++x)
+            ASSERT_EQ(image.getPixel(x, y), (x >= 33 && x <= 40 && y >= 2 && y <= 5) || (x >= 1 && x <= 2 && y == 6))
+                << x << "," << y;
+    expectFailure<KT_ERROR::drawable_off_format>([&] { image.rectangle(Point{60, 0}, Point{64, 0}, 1); },
+                                                 "rectangle off image(x/y/w/h): (60/0/5/1)");
 }
 
 TEST(Image, ClearLeavesTheSpareWordBehindEachRowAlone)
@@ -225,9 +252,43 @@ TEST(Image, SetPixelInvertsAndRefusesBadArguments)
     EXPECT_EQ(image.getPixel(33, 2), 1);
     image.setPixel(33, 2, 2);
     EXPECT_EQ(image.getPixel(33, 2), 0);
-    EXPECT_EQ(throwsText([&] { image.setPixel(64, 0, 1); }), "trying to draw off format at (64/0)");
-    EXPECT_THROW(image.setPixel(-1, 0, 1), KT_ERROR::drawable_off_format);
-    EXPECT_EQ(throwsText([&] { image.setPixel(1, 1, 3); }), "illegal colour argument to Image::setPixel()");
+    expectFailure<KT_ERROR::drawable_off_format>([&] { image.setPixel(64, 0, 1); },
+                                                 "trying to draw off format at (64/0)");
+    expectFailure<KT_ERROR::drawable_off_format>([&] { image.setPixel(-1, 0, 7); },
+                                                 "trying to draw off format at (-1/0)");
+    expectFailure<KT_ERROR::kt_exception>([&] { image.setPixel(1, 1, 3); },
+                                          "illegal colour argument to Image::setPixel()");
+}
+
+namespace {
+
+// An image that writes down the pixel calls that reach it.
+class PixelSpy : public Image {
+public:
+    PixelSpy() : Image(64, 4) {}
+    int getPixel(int32_t x, int32_t y) override
+    {
+        calls.push_back("get");
+        return Image::getPixel(x, y);
+    }
+    void setPixel(int32_t x, int32_t y, int colour) override
+    {
+        calls.push_back("set " + std::to_string(colour));
+        Image::setPixel(x, y, colour);
+    }
+    std::vector<std::string> calls;
+};
+
+}  // namespace
+
+TEST(Image, InvertingAPixelReadsAndWritesItThroughTheVirtualSlots)
+{
+    PixelSpy image;
+    image.setPixel(5, 1, 2);
+    EXPECT_EQ(image.calls, (std::vector<std::string>{"set 2", "get", "set 1"}));
+    image.calls.clear();
+    image.setPixel(5, 1, 2);
+    EXPECT_EQ(image.calls, (std::vector<std::string>{"set 2", "get", "set 0"}));
 }
 
 TEST(Image, GetPixelOutsideSaysSoAndReturnsPaper)
@@ -244,18 +305,39 @@ TEST(Image, GetPixelOutsideSaysSoAndReturnsPaper)
 TEST(Image, WordAccessChecksRowAndColumnWithItsOwnTexts)
 {
     Image image(64, 4);
-    EXPECT_EQ(throwsText([&] { image.getLong(4, 0); }), "calling getLong() with illegal row arguments: (row/col) (4/0)");
-    EXPECT_EQ(throwsText([&] { image.getLong(0, 2); }),
-              "calling getLong() with illegal column arguments: (row/col) (0/2)");
-    EXPECT_THROW(image.getLong(-1, 0), KT_ERROR::kt_exception);
-    EXPECT_EQ(throwsText([&] { image.setLong(-1, 0, 1); }),
-              "calling setLong() with illegal row argument: (row/col) (-1/0)");
-    EXPECT_EQ(throwsText([&] { image.setLong(0, 2, 1); }),
-              "calling setLong() with illegal column argument: (row/col) (0/2)");
-    EXPECT_THROW(image.setLong(0, 2, 1), KT_ERROR::drawable_off_format);
-    EXPECT_EQ(throwsText([&] { image.orLong(0, 2, 1); }), "trying to draw off format at (64/0)");
-    EXPECT_EQ(throwsText([&] { image.orLong(4, 1, 1); }), "trying to draw off format at (32/4)");
-    EXPECT_THROW(image.orLong(4, 1, 1), KT_ERROR::drawable_off_format);
+    using KT_ERROR::drawable_off_format;
+    using KT_ERROR::kt_exception;
+    struct Case {
+        std::string name;
+        std::function<void()> action;
+        bool offFormat;
+        std::string text;
+    };
+    const std::vector<Case> cases = {
+        {"getLong row", [&] { image.getLong(4, 0); }, false,
+         "calling getLong() with illegal row arguments: (row/col) (4/0)"},
+        {"getLong negative row", [&] { image.getLong(-1, 9); }, false,
+         "calling getLong() with illegal row arguments: (row/col) (-1/9)"},
+        {"getLong column", [&] { image.getLong(0, 2); }, false,
+         "calling getLong() with illegal column arguments: (row/col) (0/2)"},
+        {"getLong negative column", [&] { image.getLong(3, -1); }, false,
+         "calling getLong() with illegal column arguments: (row/col) (3/-1)"},
+        {"setLong row", [&] { image.setLong(-1, 0, 1); }, true,
+         "calling setLong() with illegal row argument: (row/col) (-1/0)"},
+        {"setLong column", [&] { image.setLong(0, 2, 1); }, true,
+         "calling setLong() with illegal column argument: (row/col) (0/2)"},
+        {"orLong column", [&] { image.orLong(0, 2, 1); }, true, "trying to draw off format at (64/0)"},
+        {"orLong row", [&] { image.orLong(4, 1, 1); }, true, "trying to draw off format at (32/4)"},
+        {"orLong negative column", [&] { image.orLong(1, -1, 0); }, true, "trying to draw off format at (-32/1)"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        if (c.offFormat)
+            expectFailure<drawable_off_format>(c.action, c.text);
+        else
+            expectFailure<kt_exception>(c.action, c.text);
+    }
+    EXPECT_EQ(countInk(image), 0);
 }
 
 TEST(Image, WordWritesKeepTheBand)
@@ -348,6 +430,10 @@ TEST_F(TempDir, OnePixelTrimmedGivesOneWordAndItsPlaceAndLoadsBackThere)
     EXPECT_EQ(loaded.getFirstUsedRow(), 5);
     EXPECT_EQ(loaded.getLastUsedRow(), 5);
 
+    Image shifted(640, 608);
+    ASSERT_TRUE(shifted.loadBitmap(32, 1, path("one.bmp"), true));
+    EXPECT_EQ(shifted.getLong(6, 3), 0x02000000u) << "the stored place adds to the one asked for";
+
     Image unplaced(640, 608);
     ASSERT_TRUE(unplaced.loadBitmap(0, 0, path("one.bmp"), false));
     EXPECT_EQ(unplaced.getPixel(6, 0), 1);
@@ -400,7 +486,9 @@ TEST_F(TempDir, AnUnalignedSaveIsRefusedAndLeavesAnEmptyFile)
     EXPECT_FALSE(saved);
     ASSERT_TRUE(std::filesystem::exists(path("x16.bmp")));
     EXPECT_EQ(std::filesystem::file_size(path("x16.bmp")), 0u);
-    EXPECT_FALSE(image.saveBitmap(0, 0, 40, 4, path("w40.bmp")));
+    EXPECT_EQ(captureStdout([&] { saved = image.saveBitmap(0, 0, 40, 4, path("w40.bmp")); }),
+              "Image::saveBitmap(): x_off and w must be divisible by 32");
+    EXPECT_FALSE(saved);
 }
 
 TEST_F(TempDir, AFileThatCannotBeCreatedIsReported)
