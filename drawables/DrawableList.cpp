@@ -8,4 +8,11 @@ void DrawableList::paintAll(Image& image, int stage)
         drawable->paint(image, stage);
 }
 
+void DrawableList::clear()
+{
+    for (auto& drawable : drawables)
+        drawable.reset();
+    drawables.clear();
+}
+
 }  // namespace KT_AC

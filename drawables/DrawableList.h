@@ -13,7 +13,8 @@ public:
     void add(std::unique_ptr<Drawable> drawable) { drawables.push_back(std::move(drawable)); }
     // Paints in list order; an exception ends the loop and what was painted stays.
     void paintAll(Image& image, int stage);
-    void clear() { drawables.clear(); }
+    // Deletes the drawables one by one in list order, then empties the list.
+    void clear();
     size_t size() const { return drawables.size(); }
     Drawable& operator[](size_t index) const { return *drawables[index]; }
 
