@@ -161,7 +161,8 @@ int runRenderer(int argc, char** argv)
     fontProvider->init(arguments["fontpath"]);
 
     std::ifstream escStream(in, std::ios::binary);
-    if (!escStream.is_open()) {
+    // A directory opens here but yields no byte, and the scan would turn for ever; it can't be opened.
+    if (!escStream.is_open() || directoryExists(in)) {
         std::cout << "Error: Failed to open file: " << in << "\n";
         return 1;
     }

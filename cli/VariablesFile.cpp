@@ -49,7 +49,8 @@ void assignVariable(bool quiet, KT_INTERFACE::FormatInterface& format, const std
 std::optional<VariablePairs> loadVariablesFile(const std::string& path)
 {
     std::ifstream file(path);
-    if (!file.is_open())
+    // A directory opens here but holds no line; it is no variables file.
+    if (!file.is_open() || directoryExists(path))
         return std::nullopt;
     VariablePairs pairs;
     std::string line;

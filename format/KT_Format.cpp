@@ -123,6 +123,11 @@ void KT_Format::measurePaint(uint32_t mode, uint32_t count, const std::string& p
     }
 }
 
+uint32_t KT_Format::histogram(std::vector<uint16_t>& out, int32_t startRow, int32_t endRow) const
+{
+    return image->histogram(out, startRow, endRow);
+}
+
 std::string KT_Format::nextGraphicsFileName()
 {
     return KT_ERROR::text("gfx", graphicsCounter++, ".raw");

@@ -71,6 +71,8 @@ public:
     SimpleFS* getFileSystem() const { return fileSystem; }
     uint32_t getHysteresisScale() const { return hysteresisScale; }
     void setHysteresisScale(uint32_t scale) { hysteresisScale = scale; }
+    // The ink count of each row of the main image from startRow to endRow; returns the largest.
+    uint32_t histogram(std::vector<uint16_t>& out, int32_t startRow, int32_t endRow) const;
     // Names the next raw graphic file, "gfx" + counter + ".raw".
     std::string nextGraphicsFileName();
 

@@ -227,7 +227,7 @@ uint32_t KT_Format::getPrintLength()
 void KT_Format::hysteresisProfile(std::vector<int32_t>& out, int32_t startRow, int32_t endRow)
 {
     std::vector<uint16_t> counts;
-    const uint32_t peak = image->histogram(counts, startRow, endRow);
+    const uint32_t peak = histogram(counts, startRow, endRow);
     if (peak == 0) {
         out.insert(out.end(), counts.size(), paperLevel);
         return;

@@ -168,6 +168,13 @@ TEST(EndToEnd, AMissingInputFileIsReported)
     EXPECT_EQ(run.exitCode, 1);
 }
 
+TEST(EndToEnd, ADirectoryAsInputCannotBeOpened)
+{
+    const RunResult run = runCase("", "", {"in=.", "fontpath=f", "printer=KTA1", "width=1", "height=1", "trim=y"}, 5);
+    EXPECT_EQ(run.output, "Error: Failed to open file: .\n");
+    EXPECT_EQ(run.exitCode, 1);
+}
+
 TEST(EndToEnd, ALowerCaseEBeforeTheFormatStartEndsTheRun)
 {
     const RunResult run = runCase("lower_e.esc", "in.esc", {"in=in.esc"});

@@ -82,6 +82,11 @@ TEST_F(VariablesFileTest, AMissingFileGivesNothing)
     EXPECT_FALSE(loadVariablesFile((dir / "missing.txt").string()).has_value());
 }
 
+TEST_F(VariablesFileTest, ADirectoryIsNoVariablesFile)
+{
+    EXPECT_FALSE(loadVariablesFile(dir.string()).has_value());
+}
+
 TEST_F(VariablesFileTest, PromptsAndCountersAreAssignedAndEchoedUnlessQuiet)
 {
     EXPECT_EQ(printed([&] { assignVariable(false, format, "VIa", "new"); }), "\nVariable: VIa=new");

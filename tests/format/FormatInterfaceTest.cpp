@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstring>
+#include <iterator>
+
 #include "errors/KT_Error.h"
 #include "tests/support/ExpectFailure.h"
 
@@ -26,5 +30,48 @@ TEST(FormatInterface, MasksDoNotCombine)
         expectFailure<KT_ERROR::internal_autocode_error>(
             [&] { elementTypeToPrefix(mask); },
             "elementTypeToPrefix() called with illegal parameter " + std::to_string(mask));
+    }
+}
+
+namespace {
+
+// Under the Itanium C++ ABI a pointer to a virtual operation holds 1 + the byte offset of its vtable slot.
+template <class Operation>
+std::ptrdiff_t slotOf(Operation operation)
+{
+    static_assert(sizeof(operation) == 2 * sizeof(std::ptrdiff_t));
+    std::ptrdiff_t words[2];
+    std::memcpy(words, &operation, sizeof(words));
+    return (words[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
+}
+
+}  // namespace
+
+TEST(FormatInterface, OperationsTakeTheirSlotsInOrderBehindTheDestructor)
+{
+    // The destructor takes the first two slots of the ABI, the complete and the deleting one.
+    const std::ptrdiff_t slots[] = {
+        slotOf(&FormatInterface::raisePrinted),
+        slotOf(&FormatInterface::raiseTrigger),
+        slotOf(&FormatInterface::clockTick),
+        slotOf(&FormatInterface::holdUpdates),
+        slotOf(&FormatInterface::releaseUpdates),
+        slotOf(&FormatInterface::countElements),
+        slotOf(&FormatInterface::getElementIds),
+        slotOf(&FormatInterface::getPromptOfElement),
+        slotOf(&FormatInterface::getResultOfElement),
+        slotOf(&FormatInterface::getContentOfElement),
+        slotOf(&FormatInterface::getCounterAttributes),
+        slotOf(&FormatInterface::setCounterAttributes),
+        slotOf(&FormatInterface::getVariableMinimumLength),
+        slotOf(&FormatInterface::getVariableMaximumLength),
+        slotOf(&FormatInterface::setContentOfElement),
+        slotOf(&FormatInterface::addSerializationData),
+        slotOf(&FormatInterface::deleteSerializationData),
+        slotOf(&FormatInterface::getPrintLength),
+    };
+    for (std::ptrdiff_t i = 0; i < static_cast<std::ptrdiff_t>(std::size(slots)); ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_EQ(slots[i], i + 2);
     }
 }

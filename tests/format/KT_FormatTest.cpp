@@ -460,3 +460,25 @@ TEST_F(FormatTest, AClockTickAndEachMeasuringPassReadTheClock)
     EXPECT_GE(KT_AC::now, before);
     EXPECT_LE(KT_AC::now, static_cast<int64_t>(std::time(nullptr)));
 }
+
+TEST(KT_FormatHistogram, CountsTheInkOfTheMainImageNotOfTheBackground)
+{
+    Image image(64, 8);
+    Image background(64, 8);
+    KT_Format format(nullptr, &image, &background);
+    image.rectangle(0, 2, 5, 1, 1);
+    image.rectangle(0, 3, 9, 1, 1);
+    background.rectangle(0, 4, 64, 1, 1);
+    std::vector<uint16_t> counts{7};
+    EXPECT_EQ(format.histogram(counts, 4, 1), 9u);
+    EXPECT_EQ(counts, (std::vector<uint16_t>{7, 0, 9, 5, 0}));
+}
+
+TEST_F(FormatTest, AnOldRecordInTheNameIsConvertedLikeAnyOther)
+{
+    // The old text record becomes a formula record and a text record: the name ends in the new ESC V,
+    // and the F of the formula is the byte that follows it. Read raw, the byte would be the '0' of the font.
+    const Parsed parsed = parseBytes(format, "NAMEABCD\x1bT" "050012700326" "06" "00" "0Fab\v\xff");
+    EXPECT_EQ(format.getName(), "NAMEABCD\x1bV");
+    EXPECT_EQ(parsed.error, "no termination character found for format end, but ASCII 0x46 (F)");
+}
