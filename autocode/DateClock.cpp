@@ -11,8 +11,6 @@ int32_t firstWeekday = 1;
 
 namespace {
 
-constexpr int32_t yearBase = 1900;
-
 std::tm brokenNow()
 {
     std::tm fields{};

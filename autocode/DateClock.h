@@ -4,6 +4,9 @@
 
 namespace KT_AC {
 
+// The C library counts years from this one.
+inline constexpr int32_t yearBase = 1900;
+
 // The moment every date prints. It moves only when told to, so that all dates of one paint agree.
 extern int64_t now;
 // Month names, 0 to 6.

@@ -15,8 +15,6 @@ namespace KT_AC {
 
 namespace {
 
-constexpr int32_t yearBase = 1900;
-
 std::string printTime(const char* pattern, const std::tm& fields)
 {
     std::array<char, 10> buffer{};

@@ -2,6 +2,7 @@
 
 #include "errors/KT_Error.h"
 #include "persistence/FileArray.h"
+#include "tests/persistence/ArrayWords.h"
 
 #include <gtest/gtest.h>
 
@@ -14,22 +15,6 @@
 using SRAM::FileArray;
 
 namespace {
-
-uint32_t storedPut(FileArray& array, uint32_t start)
-{
-    uint8_t bytes[4];
-    array.readBlock(bytes, 4, start);
-    uint32_t value;
-    std::memcpy(&value, bytes, 4);
-    return value;
-}
-
-void storePut(FileArray& array, uint32_t start, uint32_t value)
-{
-    uint8_t bytes[4];
-    std::memcpy(bytes, &value, 4);
-    array.writeBlock(bytes, 4, start);
-}
 
 std::string readAll(std::streambuf& ring)
 {
@@ -52,7 +37,7 @@ TEST(RingStorageStreambuf, AFreshRingOverZeroedMemoryReadsItsZerosFromIndexOne)
 {
     FileArray array(14);
     RingStorageStreambuf ring(array, 0, 14);
-    EXPECT_EQ(storedPut(array, 0), 0u);
+    EXPECT_EQ(wordAt(array, 0), 0u);
     EXPECT_EQ(ring.pubseekoff(0, std::ios_base::cur, std::ios_base::in), std::streampos(0));
     EXPECT_EQ(readAll(ring), std::string(9, '\0'));
 }
@@ -62,9 +47,9 @@ TEST(RingStorageStreambuf, AStoredPutAboveTheSizeIsRepairedByTheModulo)
     FileArray array(40);
     for (uint32_t i = 0; i < 10; ++i)
         array.writeByte(12 + i, static_cast<uint8_t>('0' + i));
-    storePut(array, 8, 27);
+    putWord(array, 8, 27);
     RingStorageStreambuf ring(array, 8, 14);
-    EXPECT_EQ(storedPut(array, 8), 7u);
+    EXPECT_EQ(wordAt(array, 8), 7u);
     EXPECT_EQ(readAll(ring), "890123456");
 }
 
@@ -73,7 +58,7 @@ TEST(RingStorageStreambuf, AfterTwentyFiveBytesASizeTenRingReturnsTheLastNine)
     FileArray array(14);
     RingStorageStreambuf ring(array, 0, 14);
     writeText(ring, "ABCDEFGHIJKLMNOPQRSTUVWXY");
-    EXPECT_EQ(storedPut(array, 0), 5u);
+    EXPECT_EQ(wordAt(array, 0), 5u);
     ASSERT_EQ(ring.pubseekpos(0, std::ios_base::in), std::streampos(0));
     EXPECT_EQ(readAll(ring), "QRSTUVWXY");
 }
@@ -98,7 +83,7 @@ TEST(RingStorageStreambuf, ThePutPositionIsStoredAfterEachByte)
     for (uint32_t i = 0; i < 5; ++i) {
         SCOPED_TRACE(i);
         EXPECT_EQ(ring.sputc(static_cast<char>('a' + i)), 0);
-        EXPECT_EQ(storedPut(array, 4), expected[i]);
+        EXPECT_EQ(wordAt(array, 4), expected[i]);
     }
     EXPECT_EQ(array.readByte(8), 'e');
     EXPECT_EQ(array.readByte(9), 'b');
@@ -205,7 +190,7 @@ TEST(RingStorageStreambuf, ASeekWithOnlyTheOutputFlagFailsAndLeavesTheReadPositi
     EXPECT_EQ(ring.pubseekpos(0, std::ios_base::out), std::streampos(-1));
     EXPECT_EQ(ring.in_avail(), 0);  // the fetched '9' was given back to the ring
     EXPECT_EQ(ring.sbumpc(), '9');
-    EXPECT_EQ(storedPut(array, 0), 6u);
+    EXPECT_EQ(wordAt(array, 0), 6u);
 }
 
 TEST(RingStorageStreambuf, ExtremeOffsetsWrapLikeAnyOther)
@@ -241,6 +226,6 @@ TEST(RingStorageStreambuf, ARingOfOneByteTakesWritesAndReadsNothing)
     RingStorageStreambuf ring(array, 0, 5);
     writeText(ring, "xyz");
     EXPECT_EQ(array.readByte(4), 'z');
-    EXPECT_EQ(storedPut(array, 0), 0u);
+    EXPECT_EQ(wordAt(array, 0), 0u);
     EXPECT_EQ(ring.sgetc(), std::char_traits<char>::eof());
 }

@@ -2,6 +2,7 @@
 
 #include "errors/KT_Error.h"
 #include "persistence/FileArray.h"
+#include "tests/persistence/ArrayWords.h"
 #include "tests/persistence/SimpleFSTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -24,22 +25,6 @@ Bytes snapshot(FileArray& array)
     Bytes bytes(array.size());
     array.readBlock(bytes.data(), array.size(), 0);
     return bytes;
-}
-
-uint32_t wordAt(FileArray& array, uint32_t address)
-{
-    uint8_t bytes[4];
-    array.readBlock(bytes, 4, address);
-    uint32_t value;
-    std::memcpy(&value, bytes, 4);
-    return value;
-}
-
-void putWord(FileArray& array, uint32_t address, uint32_t value)
-{
-    uint8_t bytes[4];
-    std::memcpy(bytes, &value, 4);
-    array.writeBlock(bytes, 4, address);
 }
 
 // A file system of 8 blocks at 64 to 127, or of 120 blocks for the larger cases.
