@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <istream>
 #include <limits>
 #include <ostream>
