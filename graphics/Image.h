@@ -39,6 +39,8 @@ public:
 
     int32_t getLastUsedRow() const;
     int32_t getFirstUsedRow() const;
+    // Widens the band of used rows to take in rows top to bottom, clamped to the raster.
+    void extendBand(int32_t top, int32_t bottom);
 
     bool saveBitmap(int32_t x, int32_t y, int32_t w, int32_t h, const std::string& path) const;
     bool saveTrimmed(const std::string& path) const;
@@ -64,7 +66,6 @@ private:
     static uint32_t keepRightOf(int32_t right);
     bool rowIsBlank(int32_t row) const;
     void setBandEmpty();
-    void extendBand(int32_t top, int32_t bottom);
     void recomputeFirstUsedRow();
     void recomputeLastUsedRow();
     void rescanBand();
