@@ -1,6 +1,7 @@
 #include "format/RecordDispatch.h"
 
 #include <array>
+#include <string>
 
 #include "autocode/AC_Counter.h"
 #include "autocode/AC_Date.h"
@@ -31,9 +32,36 @@ void skipToNextEscape(ParseContext& context)
         readByte(context.in);
 }
 
+bool isMatrixType(const std::string& type)
+{
+    return type == "07" || type == "09" || type == "10" || type == "11" || type == "12" || type == "13" ||
+           type == "14";
+}
+
+// Matrix symbols whose readers have not landed leave their records unread up to the next ESC.
+void readMatrixRecord(ParseContext& context, const std::string&)
+{
+    skipToNextEscape(context);
+}
+
+// The matrix types go by their two characters; any other pair is a linear type by its decimal value,
+// so that letters read as type 0.
+void readBarcodeRecord(ParseContext& context)
+{
+    std::string type(1, readByte(context.in));
+    type += readByte(context.in);
+    if (isMatrixType(type))
+        readMatrixRecord(context, type);
+    else
+        skipToNextEscape(context);
+}
+
 void readHashRecord(ParseContext& context)
 {
     switch (readByte(context.in)) {
+    case 'B':
+        readBarcodeRecord(context);
+        break;
     case 'I':
         KT_AC::Drawable_Invert::read(context.in, context.format);
         break;
