@@ -98,47 +98,47 @@ int32_t Code128::quietZone(int32_t side)
 
 bool Code128::isDigitAt(uint32_t at) const { return isDigit(valueAt(at)); }
 
+// Positions are counted in 32 bits and narrowed at the end, so that a list longer than 65535
+// tokens still ends the search.
+SetIndex Code128::runOf(uint32_t from, bool (*inClass)(uint32_t value)) const
+{
+    uint32_t start = from, length = 0;
+    while (start < count() && !inClass(valueAt(start)))
+        ++start;
+    while (start + length < count() && inClass(valueAt(start + length)))
+        ++length;
+    return SetIndex{static_cast<uint16_t>(start), static_cast<uint16_t>(length)};
+}
+
 SetIndex Code128::findControlRun(uint32_t from) const
 {
-    SetIndex run{static_cast<uint16_t>(from), 0};
-    while (run.start < count() && valueAt(run.start) >= 32)
-        ++run.start;
-    while (run.start + run.length < count() && valueAt(run.start + run.length) < 32)
-        ++run.length;
-    return run;
+    return runOf(from, [](uint32_t value) { return value < 32; });
 }
 
 SetIndex Code128::findLowerCaseRun(uint32_t from) const
 {
-    const auto lowerCase = [this](uint32_t at) { return valueAt(at) >= 96 && valueAt(at) <= 126; };
-    SetIndex run{static_cast<uint16_t>(from), 0};
-    while (run.start < count() && !lowerCase(run.start))
-        ++run.start;
-    while (run.start + run.length < count() && lowerCase(run.start + run.length))
-        ++run.length;
-    return run;
+    return runOf(from, [](uint32_t value) { return value >= 96 && value <= 126; });
 }
 
 SetIndex Code128::findDigitRun(uint32_t from) const
 {
-    SetIndex run{static_cast<uint16_t>(from), 0};
-    while (run.start + 3u < count() &&
-           !(isDigitAt(run.start) && isDigitAt(run.start + 1) && isDigitAt(run.start + 2) && isDigitAt(run.start + 3)))
-        ++run.start;
+    uint32_t start = from, length = 0;
+    while (start + 3 < count() &&
+           !(isDigitAt(start) && isDigitAt(start + 1) && isDigitAt(start + 2) && isDigitAt(start + 3)))
+        ++start;
     // Near the end, where no four tokens are left, the pairs are counted from where the search stopped.
-    while (run.start + run.length + 1u < count() && isDigitAt(run.start + run.length) &&
-           isDigitAt(run.start + run.length + 1))
-        run.length += 2;
+    while (start + length + 1 < count() && isDigitAt(start + length) && isDigitAt(start + length + 1))
+        length += 2;
     // These compare with the letter f (102), not with the FNC1 token; kept as they stand.
-    if (run.length != 0 && run.start == 1 && valueAt(0) == letterF) {
-        run.start = 0;
-        ++run.length;
+    if (length != 0 && start == 1 && valueAt(0) == letterF) {
+        start = 0;
+        ++length;
     }
-    if (run.length != 0 && run.start + 4u < count() && valueAt(run.start + 4) == letterF)
-        ++run.length;
-    if (run.length == 0)
-        run.start = static_cast<uint16_t>(count());
-    return run;
+    if (length != 0 && start + 4 < count() && valueAt(start + 4) == letterF)
+        ++length;
+    if (length == 0)
+        start = count();
+    return SetIndex{static_cast<uint16_t>(start), static_cast<uint16_t>(length)};
 }
 
 void Code128::encode()

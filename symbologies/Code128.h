@@ -56,6 +56,7 @@ private:
         int32_t set_swap_idx = 0;
     };
 
+    SetIndex runOf(uint32_t from, bool (*inClass)(uint32_t value)) const;
     SetIndex findControlRun(uint32_t from) const;
     SetIndex findLowerCaseRun(uint32_t from) const;
     SetIndex findDigitRun(uint32_t from) const;

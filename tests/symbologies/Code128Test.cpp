@@ -376,6 +376,12 @@ TEST(Code128, AStartTokenUnderAFixedSetIsASecondStartThatResetsTheChecksum)
     EXPECT_EQ(code->getChecksum(), 103 + 33 + 2 * 34);
 }
 
+TEST(Code128, ContentLongerThanTheRunPositionsStillEncodesEveryCharacter)
+{
+    const std::string content = std::string(70000, 'A') + "ab";
+    EXPECT_EQ(symbol(content)->getText(), content);
+}
+
 TEST(Code128, TheCheckFlagIsNeverLookedAt)
 {
     Code128 with("AB12", 0, 0, 1, 100, 0, true, false, 0, AUTO);
@@ -633,6 +639,14 @@ TEST_F(Code128Drawing, BarsUnderTextNeedTwelveDotsAfterTextAndOneModule)
     for (int32_t row = top; row < top + 12; ++row)
         EXPECT_TRUE(rowIsBars(image, row, bitString)) << row;
     EXPECT_FALSE(rowIsBars(image, top + 12, bitString));
+}
+
+TEST_F(Code128Drawing, ABackslashInTheLineIsReadAsAnEscapeByTheFont)
+{
+    Image image(2560, 1000);
+    expectFailure<KT_ERROR::bad_content_sequence>([&] { paint(image, "a\\\\b", 0, 0, true); },
+                                                  "illegal content escape sequence, expected '\\' or '<' but got 'b'");
+    EXPECT_NO_THROW(paint(image, "a\\\\b", 0, 0, false));
 }
 
 TEST_F(Code128Drawing, ASymbolEndingAtTheRightEdgeFailsOffTheWordGrid)
