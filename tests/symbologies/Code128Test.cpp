@@ -212,7 +212,7 @@ TEST(Code128, ExplicitStartUnderAutoSelectTakesTheControlsAsGiven)
     EXPECT_EQ(symbol("\\<C128_START_B>\\<SHIFT>a")->getBars(), rows({104, 98, 65, (104 + 98 + 130) % 103, 106}));
 }
 
-TEST(Code128, ControlRuleFailures)
+TEST(Code128, ControlRuleRefusesSetChangesUnderAFixedSetAndFunctionsInSetC)
 {
     struct Case {
         std::string content;
@@ -242,7 +242,7 @@ TEST(Code128, FunctionsOutsideSetCAndFnc1EverywhereAreEmitted)
     EXPECT_EQ(symbol("\\<FNC1>12", SET_C)->getBars(), rows({105, 102, 12, (105 + 102 + 24) % 103, 106}));
 }
 
-TEST(Code128, DataRuleFailures)
+TEST(Code128, DataRuleRefusesCharactersOutsideTheSetAndAnUnknownSet)
 {
     expectFailure<KT_ERROR::illegal_content>([] { symbol("a", SET_A); }, "barcode 128: set A encoding error");
     expectFailure<KT_ERROR::illegal_content>([] { symbol(asc(9), SET_B); }, "barcode 128: set B encoding error");
