@@ -74,18 +74,16 @@ TEST(Code128, EachTableSymbolSpansElevenModulesWithEvenBarsAndTheStopThirteen)
 
 TEST(Code128, EverySymbolValueHasThePublishedWidths)
 {
-    const char* const functions[] = {"FNC3", "FNC2", "SHIFT", "C128_C", "C128_B", "C128_A", "FNC1"};
-    for (int value = 0; value < 103; ++value) {
+    // Each value stands behind Start B as a character or a function; the start values stand alone.
+    const char* const functions[] = {"FNC3", "FNC2", "SHIFT", "C128_C", "C128_B", "C128_A", "FNC1",
+                                     "C128_START_A", "C128_START_B", "C128_START_C"};
+    for (int value = 0; value < 106; ++value) {
         SCOPED_TRACE(value);
         const std::string data = value < 96 ? asc(value + 32) : std::string("\\<") + functions[value - 96] + ">";
-        EXPECT_EQ(symbol("\\<C128_START_B>" + data)->getBars(),
-                  std::string(published[104]) + published[value] + published[(104 + value) % 103] + published[106]);
-    }
-    const char* const starts[] = {"\\<C128_START_A>", "\\<C128_START_B>", "\\<C128_START_C>"};
-    for (int value = 103; value < 106; ++value) {
-        SCOPED_TRACE(value);
-        EXPECT_EQ(symbol(starts[value - 103])->getBars(),
-                  std::string(published[value]) + published[value % 103] + published[106]);
+        const std::string expected =
+            value < 103 ? std::string(published[104]) + published[value] + published[(104 + value) % 103]
+                        : std::string(published[value]) + published[value % 103];
+        EXPECT_EQ(symbol(value < 103 ? "\\<C128_START_B>" + data : data)->getBars(), expected + published[106]);
     }
 }
 
