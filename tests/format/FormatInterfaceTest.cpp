@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstring>
 #include <iterator>
 
 #include "errors/KT_Error.h"
 #include "tests/support/ExpectFailure.h"
+#include "tests/support/VirtualSlots.h"
 
 using namespace KT_INTERFACE;
 
@@ -32,20 +32,6 @@ TEST(FormatInterface, MasksDoNotCombine)
             "elementTypeToPrefix() called with illegal parameter " + std::to_string(mask));
     }
 }
-
-namespace {
-
-// Under the Itanium C++ ABI a pointer to a virtual operation holds 1 + the byte offset of its vtable slot.
-template <class Operation>
-std::ptrdiff_t slotOf(Operation operation)
-{
-    static_assert(sizeof(operation) == 2 * sizeof(std::ptrdiff_t));
-    std::ptrdiff_t words[2];
-    std::memcpy(words, &operation, sizeof(words));
-    return (words[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
-}
-
-}  // namespace
 
 TEST(FormatInterface, OperationsTakeTheirSlotsInOrderBehindTheDestructor)
 {
