@@ -55,13 +55,28 @@ int32_t halfDigitHeight(Image& image, const std::string& block)
     return (measured.bottom - measured.top + 1) / 2;
 }
 
-// The first row at or below `top` where column `x` is paper.
-int32_t barEnd(Image& image, int32_t x, int32_t top)
+// The pixel `depth` dots from the far end of the bar of column `c` (counted at 0 degrees) of a symbol
+// painted at (64, 64) with height 200 and bit string length `length`, turned `turns` quarters.
+int pixelAlongBar(Image& image, int32_t turns, int32_t c, int32_t length, int32_t depth)
 {
-    int32_t row = top;
-    while (image.getPixel(x, row))
-        ++row;
-    return row;
+    switch (turns) {
+    case 0:
+        return image.getPixel(64 + c, 64 + depth);
+    case 1:
+        return image.getPixel(263 - depth, 64 + c);
+    case 2:
+        return image.getPixel(64 + length - 1 - c, 263 - depth);
+    default:
+        return image.getPixel(64 + depth, 64 + length - 1 - c);
+    }
+}
+
+int32_t barLength(Image& image, int32_t turns, int32_t c, int32_t length)
+{
+    int32_t depth = 0;
+    while (pixelAlongBar(image, turns, c, length, depth))
+        ++depth;
+    return depth;
 }
 
 class EanUpcDrawing : public fonttest::FontFixture {};
@@ -180,11 +195,11 @@ TEST_F(EanUpcDrawing, WithoutTextNoBoxesArePaintedAndAllBarsHaveTheFullHeight)
     }
 }
 
-TEST_F(EanUpcDrawing, GuardBarsReachLowerThanTheDataBarsOverWhiteBoxes)
+TEST_F(EanUpcDrawing, GuardBarsReachFurtherThanTheDataBarsOverWhiteBoxesAtEveryTurn)
 {
     struct Case {
         const Family& family;
-        // Columns in dots from the symbol's left edge: one guard bar and the blanked span of data bars.
+        // Columns in dots from the symbol's left edge at 0 degrees: one guard bar and the blanked data bars.
         int32_t guard;
         int32_t boxLeft;
         int32_t boxWidth;
@@ -195,26 +210,27 @@ TEST_F(EanUpcDrawing, GuardBarsReachLowerThanTheDataBarsOverWhiteBoxes)
         {families[2], 27, 57, 105}, {families[2], 303, 177, 105},
         {families[3], 27, 36, 126}, {families[3], 165, 36, 126},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.family.name);
-        SCOPED_TRACE(c.boxLeft);
-        Image image(640, 320);
-        const int32_t half = halfDigitHeight(image, c.family.block);
-        const auto symbol = c.family.maker(c.family.content, 200, 0, true, 0);
-        Area area{};
-        symbol->paint(image, area);
-        const std::string& bits = symbol->getBitString();
-        ASSERT_EQ(bits[static_cast<size_t>(c.guard)], '1');
-        EXPECT_EQ(barEnd(image, 64 + c.guard, 64), 64 + 200 - half);
-        const int32_t boxTop = 64 + 200 - 2 * half - 3;
-        for (int32_t col = c.boxLeft; col < c.boxLeft + c.boxWidth; ++col) {
-            if (bits[static_cast<size_t>(col)] == '1') {
-                EXPECT_EQ(barEnd(image, 64 + col, 64), boxTop) << col;
+    for (const Case& c : cases)
+        for (int32_t turns = 0; turns < 4; ++turns) {
+            SCOPED_TRACE(testing::Message() << c.family.name << " box at " << c.boxLeft << " turns " << turns);
+            Image image(640, 640);
+            const int32_t half = halfDigitHeight(image, c.family.block);
+            const std::string bits = c.family.maker(c.family.content, 200, 0, true, 0)->getBitString();
+            const auto length = static_cast<int32_t>(bits.size());
+            Area area{};
+            c.family.maker(c.family.content, 200, turns, true, 0)->paint(image, area);
+            ASSERT_EQ(bits[static_cast<size_t>(c.guard)], '1');
+            EXPECT_EQ(barLength(image, turns, c.guard, length), 200 - half);
+            const int32_t boxTop = 200 - 2 * half - 3;
+            for (int32_t col = c.boxLeft; col < c.boxLeft + c.boxWidth; ++col) {
+                if (bits[static_cast<size_t>(col)] == '1') {
+                    EXPECT_EQ(barLength(image, turns, col, length), boxTop) << col;
+                }
+                for (int32_t depth = boxTop; depth < boxTop + 3; ++depth)
+                    EXPECT_EQ(pixelAlongBar(image, turns, col, length, depth), 0) << "a module of paper above the digits";
             }
-            EXPECT_EQ(inkRows(image, 64 + col, boxTop, boxTop + 3), 0) << "one module of paper above the digits";
+            EXPECT_EQ(pixelAlongBar(image, turns, c.boxLeft - 1, length, boxTop), bits[c.boxLeft - 1] == '1' ? 1 : 0);
         }
-        EXPECT_EQ(inkRows(image, 64 + c.boxLeft - 1, boxTop, boxTop + 1), bits[c.boxLeft - 1] == '1' ? 1 : 0);
-    }
 }
 
 TEST_F(EanUpcDrawing, BothScannersReadEverySymbolAtEveryTurnReversedOrNotWithAndWithoutText)
