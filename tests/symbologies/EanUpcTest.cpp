@@ -115,6 +115,14 @@ TEST(EanUpc, BadDataFailsWithTheClassTextsCharactersBeforeLength)
     }
 }
 
+TEST(EanUpc, GoodDataValidatesToZero)
+{
+    for (const Family& f : families) {
+        SCOPED_TRACE(f.name);
+        EXPECT_EQ(f.maker(f.content, 200, 0, true, 0)->validate(), 0);
+    }
+}
+
 TEST(EanUpc, UpcEHasNoEmptyDataSinceTheNumberSystemIsInFront)
 {
     expectFailure<KT_ERROR::bad_escape_sequence>([] { make<UpcE>("", 200, 0, true, 0); },
