@@ -362,7 +362,9 @@ void Code128::emit(int32_t value)
 {
     appendRow(value);
     ++position;
-    checksum += position * value;
+    // Past 32 bits the sum is folded modulo 103, which keeps the check symbol of the exact sum.
+    const int64_t sum = int64_t{checksum} + int64_t{position} * value;
+    checksum = static_cast<int32_t>(sum > INT32_MAX ? sum % 103 : sum);
 }
 
 void Code128::appendRow(int32_t value) { bars += code128Patterns[static_cast<size_t>(value)]; }

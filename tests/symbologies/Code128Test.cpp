@@ -380,6 +380,21 @@ TEST(Code128, ContentLongerThanTheRunPositionsStillEncodesEveryCharacter)
     EXPECT_EQ(symbol(content)->getText(), content);
 }
 
+TEST(Code128, AWeightedSumPast32BitsStillGivesTheCheckSymbolOfTheExactSum)
+{
+    const std::string bars = symbol(std::string(20000, 'A'))->getBars();
+    // Read the symbol values back from the bars, and weigh them as a reader does, in 64 bits.
+    std::vector<int64_t> values;
+    for (size_t at = 0; at + 7 < bars.size(); at += 6)
+        values.push_back(std::find(published, published + 106, bars.substr(at, 6)) - published);
+    ASSERT_EQ(values.size(), 20002u);
+    int64_t sum = values.front();
+    for (size_t i = 1; i + 1 < values.size(); ++i)
+        sum += static_cast<int64_t>(i) * values[i];
+    EXPECT_GT(sum, int64_t{INT32_MAX});
+    EXPECT_EQ(values.back(), sum % 103);
+}
+
 TEST(Code128, TheCheckFlagIsNeverLookedAt)
 {
     Code128 with("AB12", 0, 0, 1, 100, 0, true, false, 0, AUTO);
