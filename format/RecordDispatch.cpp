@@ -1,12 +1,14 @@
 #include "format/RecordDispatch.h"
 
 #include <array>
+#include <cstdlib>
 #include <string>
 
 #include "autocode/AC_Counter.h"
 #include "autocode/AC_Date.h"
 #include "autocode/AC_VariableString.h"
 #include "autocode/FormulaReader.h"
+#include "drawables/Drawable_Barcode_1D.h"
 #include "drawables/Drawable_Box.h"
 #include "drawables/Drawable_Graphics.h"
 #include "drawables/Drawable_Invert.h"
@@ -53,7 +55,7 @@ void readBarcodeRecord(ParseContext& context)
     if (isMatrixType(type))
         readMatrixRecord(context, type);
     else
-        skipToNextEscape(context);
+        KT_AC::Drawable_Barcode_1D::create(context.in, context.format, std::atoi(type.c_str()));
 }
 
 void readHashRecord(ParseContext& context)

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 
 #include "graphics/Image.h"
@@ -33,24 +34,27 @@ inline std::string runTool(const std::string& tool, const std::string& arguments
     return output;
 }
 
-// Saves the inked box of `image`, with `margin` dots of paper on every side, as a one-bit bitmap.
-inline void saveInk(Image& image, const std::string& path, int32_t margin = 40)
+// Saves the inked box of `image` within `region` (the whole raster if empty), with `margin` dots of paper on
+// every side, as a one-bit bitmap.
+inline void saveInk(Image& image, const std::string& path, Area region = Area{}, int32_t margin = 40)
 {
-    const auto width = static_cast<int32_t>(image.getWidth()), height = static_cast<int32_t>(image.getHeight());
-    int32_t left = width, right = -1, top = height, bottom = -1;
-    for (int32_t row = 0; row < height; ++row)
-        for (int32_t col = 0; col < width / 32; ++col) {
-            const uint32_t word = image.getLong(row, col);
-            if (word == 0)
+    if (region.right == 0 && region.bottom == 0)
+        region = Area{0, 0, static_cast<int32_t>(image.getWidth()) - 1, static_cast<int32_t>(image.getHeight()) - 1};
+    int32_t left = region.right + 1, right = -1, top = region.bottom + 1, bottom = -1;
+    for (int32_t yy = region.top; yy <= region.bottom; ++yy)
+        for (int32_t col = region.left / 32; col <= region.right / 32; ++col) {
+            if (image.getLong(yy, col) == 0)
                 continue;
-            top = std::min(top, row);
-            bottom = row;
-            left = std::min(left, col * 32 + __builtin_clz(word));
-            right = std::max(right, col * 32 + 31 - __builtin_ctz(word));
+            for (int32_t xx = std::max(col * 32, region.left); xx <= std::min(col * 32 + 31, region.right); ++xx)
+                if (image.getPixel(xx, yy)) {
+                    top = std::min(top, yy);
+                    bottom = yy;
+                    left = std::min(left, xx);
+                    right = std::max(right, xx);
+                }
         }
-    if (bottom < 0) {
+    if (bottom < 0)
         left = right = top = bottom = 0;
-    }
     const int32_t w = right - left + 1 + 2 * margin, h = bottom - top + 1 + 2 * margin;
     Image cut((w + 31) / 32 * 32, h);
     for (int32_t yy = top; yy <= bottom; ++yy)
@@ -81,13 +85,14 @@ inline std::string dmtx(const std::string& path)
     return runTool("timeout", "20 dmtxread -m 5000 '" + path + "'");
 }
 
-// Cuts the ink of `image` into a bitmap in a fresh directory and returns what `reader` makes of it.
+// Cuts the ink of `image` (within `region`, if given) into a bitmap in a fresh directory and returns what
+// `reader` makes of it.
 template <class Reader>
-std::string scanInk(Image& image, Reader reader)
+std::string scanInk(Image& image, Reader reader, Area region = Area{})
 {
     fonttest::TempDir dir;
     const std::string path = dir.file("ink.bmp");
-    saveInk(image, path);
+    saveInk(image, path, region);
     return reader(path);
 }
 
