@@ -39,6 +39,18 @@ def text(font, x, y, content, size, orientation=0, alignment=b"L", spacing=0, re
             + field + VT + b"%02d" % size + alignment + b"%03d" % spacing)
 
 
+def barcode(kind, x, y, content, height, module, orientation=0, reversed_=False, wide=8, element=None):
+    """A linear barcode record with its human-readable line; kind is the two type characters."""
+    field = b"V" + element if element else b"F" + content
+    record = (ESC + b"#B" + kind + number(x) + number(y) + b"%d" % orientation + (b"1" if reversed_ else b"0") + field
+              + VT + number(height) + b"%02d" % module)
+    if kind in (b"02", b"03", b"08"):
+        return record + b"%02d" % wide + b"10"
+    if kind == b"04":
+        return record + b"1000"
+    return record + b"10"
+
+
 def logo(scale):
     """A diamond on a 32 x 32 grid, each cell scale x scale dots."""
     rows = []
@@ -76,6 +88,15 @@ records = b"".join([
     text(3, 1000, 40, b"Turned a quarter", 12, orientation=1),
     text(1, 1200, 700, b"Upside down", 12, orientation=2),
     text(5, 1200, 560, b"Three quarters", 12, orientation=3),
+    # Every linear symbology; Code 128 fed by the counter, Code 39 turned, EAN-13 reversed.
+    barcode(b"00", 40, 1400, b"1234567", 240, 3),
+    barcode(b"01", 400, 1400, b"400638133393", 240, 3, reversed_=True),
+    barcode(b"05", 800, 1400, b"03600029145", 240, 3),
+    barcode(b"06", 1200, 1400, b"123456", 240, 3),
+    barcode(b"04", 40, 1760, b"", 240, 3, element=b"CLot"),
+    barcode(b"03", 1200, 1760, b"KTR-39", 240, 3, orientation=1),
+    barcode(b"02", 40, 2120, b"1234567", 240, 3),
+    barcode(b"08", 520, 2120, b"1234567890123", 240, 3),
 ])
 
 with open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "demo.esc"), "wb") as out:

@@ -2,6 +2,10 @@
 // scanners, the record's failures, legacy records, and repaints after an assignment.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+
 #include "graphics/Image.h"
 #include "tests/cli/CliRunner.h"
 #include "tests/support/ScanSupport.h"
@@ -21,10 +25,11 @@ std::string kta1Header()
 }
 
 // The saved bitmap back at its place on a raster of the printer's size.
-std::unique_ptr<Image> rasterOf(const RunResult& run, int32_t width, int32_t height)
+std::unique_ptr<Image> rasterOf(const RunResult& run, int32_t width, int32_t height,
+                                const std::string& bitmap = "in.esc.bmp")
 {
     auto image = std::make_unique<Image>(width, height);
-    image->loadBitmap(0, 0, (run.dir / "in.esc.bmp").string(), true);
+    image->loadBitmap(0, 0, (run.dir / bitmap).string(), true);
     return image;
 }
 
@@ -157,4 +162,36 @@ TEST(BarcodeEndToEnd, AnAssignedCounterRepaintsTheBarcodeAndTheOldBarsAreGone)
     EXPECT_TRUE(readFile(assigned.dir / "in.esc.bmp") == readFile(direct.dir / "in.esc.bmp"));
     auto raster = rasterOf(assigned, 640, 608);
     EXPECT_EQ(scantest::scanInk(*raster, scantest::zbar), "0042");
+}
+
+TEST(BarcodeEndToEnd, ACounterSetFromAVariablesFileRepaintsTheBarcode)
+{
+    RunResult run = runCase("barcode_counter.esc", "in.esc", {});
+    std::ofstream(run.dir / "vars.txt", std::ios::binary) << "VCLot=42\n";
+    const std::string command = "cd '" + run.dir.string() + "' && '" + KTR_RENDER_BINARY +
+                                "' in=in.esc loadvariables=vars.txt printer=KTA1 trim=n > out.txt";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    const RunResult direct = runCase("barcode_counter_0042.esc", "in.esc", kta1);
+    EXPECT_TRUE(readFile(run.dir / "in.esc.bmp") == readFile(direct.dir / "in.esc.bmp"));
+}
+
+TEST(BarcodeEndToEnd, TheBundledExampleCarriesEveryLinearSymbologyAndTheyReadBack)
+{
+    const RunResult run = runCase("../../../examples/demo.esc", "demo.esc", {"in=demo.esc", "showvariables=y"});
+    ASSERT_EQ(run.exitCode, 0);
+    // zbar reads every symbol but the reversed EAN-13, which is white on black.
+    std::istringstream lines(scantest::zbar((run.dir / "demo.esc.bmp").string()));
+    std::vector<std::string> read;
+    for (std::string line; std::getline(lines, line);)
+        read.push_back(line);
+    std::sort(read.begin(), read.end());
+    EXPECT_EQ(read, (std::vector<std::string>{"0012345000065", "0036000291452", "01234567", "12345670",
+                                              "12345678901231", "KTR-39", "L0005"}));
+    // Inverted, the reversed EAN-13 reads too.
+    auto raster = rasterOf(run, 2560, 6400, "demo.esc.bmp");
+    const Area ean13{400, 1400, 738, 1639};
+    for (int32_t yy = ean13.top; yy <= ean13.bottom; ++yy)
+        for (int32_t xx = ean13.left; xx <= ean13.right; ++xx)
+            raster->setPixel(xx, yy, 2);
+    EXPECT_EQ(scantest::scanInk(*raster, scantest::zbar, ean13), "4006381333931");
 }
