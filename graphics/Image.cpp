@@ -1,7 +1,9 @@
 #include "graphics/Image.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <iostream>
+#include <new>
 
 #include "errors/KT_Error.h"
 #include "persistence/nullbuf.h"
@@ -34,14 +36,22 @@ Image::Image(int32_t width, int32_t height)
         debugStream << "trying to construct imagewith width not divisible by 32, rounding up";
         this->width = (width / 32 + 1) * 32;
     }
-    // One spare word per row, which no pixel uses.
+    // One spare word per row, which no pixel uses. The system hands large blocks out as zeroed pages that
+    // cost nothing until touched, so the fresh raster is paper already and only the band needs clearing.
     const size_t stride = static_cast<size_t>(wordsPerRow()) + 1;
-    ownedWords = std::make_unique<uint32_t[]>(stride * static_cast<size_t>(height));
-    ownedRows = std::make_unique<uint32_t*[]>(static_cast<size_t>(height));
+    ownedWords.reset(static_cast<uint32_t*>(std::calloc(stride * static_cast<size_t>(height), sizeof(uint32_t))));
+    if (!ownedWords)
+        throw std::bad_alloc();
+    ownedRows = std::make_unique_for_overwrite<uint32_t*[]>(static_cast<size_t>(height));
     for (int32_t r = 0; r < height; ++r)
         ownedRows[r] = ownedWords.get() + stride * static_cast<size_t>(r);
     rows = ownedRows.get();
-    clear();
+    setBandEmpty();
+}
+
+void Image::FreeWords::operator()(uint32_t* words) const
+{
+    std::free(words);
 }
 
 Image::Image(int32_t wordsPerRow, int32_t height, uint32_t** foreignRows)

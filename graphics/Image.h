@@ -65,6 +65,7 @@ private:
     static uint32_t keepLeftOf(int32_t left);
     static uint32_t keepRightOf(int32_t right);
     bool rowIsBlank(int32_t row) const;
+    void packRow(int32_t r, int32_t firstWord, int32_t endWord, char* out) const;
     void setBandEmpty();
     void recomputeFirstUsedRow();
     void recomputeLastUsedRow();
@@ -78,6 +79,9 @@ private:
     bool ownsRows;
     Image* background;
 
-    std::unique_ptr<uint32_t[]> ownedWords;
+    struct FreeWords {
+        void operator()(uint32_t* words) const;
+    };
+    std::unique_ptr<uint32_t[], FreeWords> ownedWords;
     std::unique_ptr<uint32_t*[]> ownedRows;
 };

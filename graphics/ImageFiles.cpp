@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <iostream>
+#include <memory>
 
 #include "graphics/Image.h"
 
@@ -68,28 +71,48 @@ bool Image::saveBitmap(int32_t x, int32_t y, int32_t w, int32_t h, const std::st
     putLittle(header, 54, 0x00FFFFFF, 4);
     file.write(header.data(), header.size());
 
-    // Rows and words outside the raster (the blank trimmed save has one) are written as paper.
+    // Rows are gathered into large blocks, so that a whole raster goes out in a few writes.
     const int32_t firstWord = x / 32, endWord = (x + w) / 32;
-    std::string row(static_cast<size_t>(std::max(endWord - firstWord, 0)) * 4, '\0');
+    const size_t rowBytes = static_cast<size_t>(std::max(endWord - firstWord, 0)) * 4;
+    const size_t blockBytes =
+        std::max(rowBytes, std::min(rowBytes * static_cast<size_t>(std::max(h, 0)), size_t{256 * 1024}));
+    const auto block = std::make_unique_for_overwrite<char[]>(blockBytes);
+    size_t filled = 0;
     for (int32_t r = y + h - 1; r >= y; --r) {
-        char* out = row.data();
-        for (int32_t c = firstWord; c < endWord; ++c, out += 4) {
-            const uint32_t word = (r >= 0 && r < height && c >= 0 && c < wordsPerRow()) ? rows[r][c] : 0u;
-            out[0] = static_cast<char>(word >> 24);
-            out[1] = static_cast<char>(word >> 16);
-            out[2] = static_cast<char>(word >> 8);
-            out[3] = static_cast<char>(word);
+        if (filled + rowBytes > blockBytes) {
+            file.write(block.get(), static_cast<std::streamsize>(filled));
+            filled = 0;
         }
-        file.write(row.data(), static_cast<std::streamsize>(row.size()));
+        packRow(r, firstWord, endWord, block.get() + filled);
+        filled += rowBytes;
     }
+    file.write(block.get(), static_cast<std::streamsize>(filled));
     return true;
+}
+
+// Writes the words of row r from firstWord up to endWord as bytes, top byte first. Rows outside the band
+// of used rows are paper and aren't read; so are rows and words outside the raster (the blank trimmed save
+// has one).
+void Image::packRow(int32_t r, int32_t firstWord, int32_t endWord, char* out) const
+{
+    if (r < firstUsedRow || r > lastUsedRow) {
+        std::memset(out, 0, static_cast<size_t>(std::max(endWord - firstWord, 0)) * 4);
+        return;
+    }
+    for (int32_t c = firstWord; c < endWord; ++c, out += 4) {
+        uint32_t word = c >= 0 && c < wordsPerRow() ? rows[r][c] : 0u;
+        if constexpr (std::endian::native == std::endian::little)
+            word = __builtin_bswap32(word);
+        std::memcpy(out, &word, 4);
+    }
 }
 
 bool Image::saveTrimmed(const std::string& path) const
 {
     std::ofstream keepOpen(path, std::ios::binary | std::ios::trunc);
+    // Ink lies only within the band of used rows.
     int32_t left = -1, top = -1, right = -1, bottom = -1;
-    for (int32_t r = 0; r < height; ++r) {
+    for (int32_t r = std::max(firstUsedRow, 0); r <= lastUsedRow; ++r) {
         for (int32_t c = 0; c < wordsPerRow(); ++c) {
             if (rows[r][c] == 0)
                 continue;

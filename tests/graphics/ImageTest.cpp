@@ -605,3 +605,68 @@ TEST_F(TempDir, AHeaderThatPromisesMoreRowsThanTheFileHoldsStopsAtItsEnd)
     ASSERT_TRUE(target.loadBitmap(0, -0x7FFFFFFE + 4, path("short.bmp"), false));
     EXPECT_EQ(countInk(target), 32 * 4);
 }
+
+TEST(Image, EveryOperationThatInksKeepsItsRowsInsideTheBand)
+{
+    // The trimmed and the full save read only the band, so no ink may ever lie outside it.
+    Image image(256, 96);
+    Image background(256, 96);
+    background.rectangle(0, 40, 256, 20, 1);
+    Image patch(64, 3);
+    patch.rectangle(0, 0, 64, 3, 1);
+    const unsigned char raw[8] = {0xFF, 0, 0, 1, 0x80, 0, 0, 0};
+    uint32_t seed = 12345;
+    const auto next = [&](uint32_t below) {
+        seed = seed * 1103515245u + 12345u;
+        return static_cast<int32_t>((seed >> 8) % below);
+    };
+    for (int step = 0; step < 3000; ++step) {
+        const int32_t x = next(250), y = next(90);
+        // An operation that runs off the raster stops midway; what it painted still counts.
+        try {
+            switch (next(9)) {
+            case 0: image.rectangle(x, y, next(256 - x) + 1, next(96 - y) + 1, next(3)); break;
+            case 1: image.setPixel(x, y, next(3)); break;
+            case 2: image.setLong(y, next(8), next(2) == 0 ? 0u : seed); break;
+            case 3: image.orLong(y, next(8), next(2) == 0 ? 0u : seed); break;
+            case 4: image.orLongShifted(y, next(7), next(32), seed); break;
+            case 5: if (x < 160 && y < 90) image.paste(patch, y, x); break;
+            case 6: image.setBackground(next(2) == 0 ? nullptr : &background);
+                    image.restoreArea(Area{x, y, x + next(40), y + next(10)}); break;
+            case 7: image.loadRaw(raw, y, 0, 1, 64); break;
+            default: image.cropMarks(x, y, x + next(100), y + next(20), 0); break;
+            }
+        } catch (const std::exception&) {
+        }
+        int32_t firstInk = -1, lastInk = -1;
+        for (int32_t row = 0; row < 96; ++row)
+            for (int32_t col = 0; col < 8; ++col)
+                if (image.getLong(row, col) != 0) {
+                    firstInk = firstInk < 0 ? row : firstInk;
+                    lastInk = row;
+                }
+        if (firstInk < 0)
+            continue;
+        ASSERT_LE(image.getFirstUsedRow(), firstInk) << "step " << step;
+        ASSERT_GE(image.getLastUsedRow(), lastInk) << "step " << step;
+    }
+}
+
+TEST_F(TempDir, AFullSaveOfAKtd2RasterWritesEveryRowInItsPlaceAcrossItsBlocks)
+{
+    // Two megabytes go out in blocks; rows outside the band come out as paper without being read.
+    Image image(2560, 6400);
+    for (int32_t y : {0, 813, 814, 3276, 6399})
+        image.rectangle(y % 2560, y, 40, 1, 1);
+    ASSERT_TRUE(image.saveBitmap(0, 0, 2560, 6400, path("ktd2.bmp")));
+    const auto bytes = readAll(path("ktd2.bmp"));
+    ASSERT_EQ(bytes.size(), 62u + 320u * 6400u);
+    for (int32_t y = 0; y < 6400; ++y)
+        for (int32_t x = 0; x < 2560; x += 8) {
+            unsigned char expected = 0;
+            for (int32_t bit = 0; bit < 8; ++bit)
+                expected = static_cast<unsigned char>(expected << 1 | image.getPixel(x + bit, y));
+            ASSERT_EQ(bytes[62 + static_cast<size_t>(6399 - y) * 320 + static_cast<size_t>(x / 8)], expected)
+                << "row " << y << " byte " << x / 8;
+        }
+}
