@@ -4,7 +4,7 @@ BUILD := build
 SANITIZE_BUILD := build-sanitize
 JOBS := -j2
 
-.PHONY: all setup build build-sanitize demo test bench clean
+.PHONY: all setup build build-sanitize demo test bench bench-pieces clean
 
 all: build
 
@@ -28,7 +28,11 @@ test: build build-sanitize
 	cd $(BUILD) && ctest --output-on-failure $(JOBS)
 	cd $(SANITIZE_BUILD) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 ctest --output-on-failure $(JOBS)
 
+# The whole process, exec to exit, against its floors; then the pieces one by one.
 bench: build
+	$(BUILD)/bench/ktr_process_bench
+
+bench-pieces: build
 	$(BUILD)/bench/ktr_bench
 
 clean:

@@ -193,15 +193,9 @@ void Image::setLong(int32_t row, int32_t col, uint32_t value)
         recomputeLastUsedRow();
 }
 
-void Image::orLong(int32_t row, int32_t col, uint32_t value)
+void Image::throwOrLongOffFormat(int32_t row, int32_t col)
 {
-    if (row < 0 || row >= height || col < 0 || col >= wordsPerRow())
-        throw drawable_off_format(text("trying to draw off format at (", col * 32, "/", row, ")"));
-    rows[row][col] |= value;
-    if (value != 0) {
-        lastUsedRow = std::max(lastUsedRow, row);
-        firstUsedRow = std::min(firstUsedRow, row);
-    }
+    throw drawable_off_format(text("trying to draw off format at (", col * 32, "/", row, ")"));
 }
 
 int32_t Image::getLastUsedRow() const

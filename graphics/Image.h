@@ -35,7 +35,17 @@ public:
     bool isInside(int32_t x, int32_t y) const;
     uint32_t getLong(int32_t row, int32_t col) const;
     void setLong(int32_t row, int32_t col, uint32_t value);
-    void orLong(int32_t row, int32_t col, uint32_t value);
+    // Inline, as bars and graphics call it once per word and row.
+    void orLong(int32_t row, int32_t col, uint32_t value)
+    {
+        if (row < 0 || row >= height || col < 0 || col >= wordsPerRow())
+            throwOrLongOffFormat(row, col);
+        rows[row][col] |= value;
+        if (value != 0) {
+            lastUsedRow = lastUsedRow > row ? lastUsedRow : row;
+            firstUsedRow = firstUsedRow < row ? firstUsedRow : row;
+        }
+    }
 
     int32_t getLastUsedRow() const;
     int32_t getFirstUsedRow() const;
@@ -62,6 +72,7 @@ private:
     friend class Font;
 
     int32_t wordsPerRow() const { return width / 32; }
+    [[noreturn]] static void throwOrLongOffFormat(int32_t row, int32_t col);
     static uint32_t keepLeftOf(int32_t left);
     static uint32_t keepRightOf(int32_t right);
     bool rowIsBlank(int32_t row) const;

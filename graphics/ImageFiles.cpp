@@ -95,15 +95,14 @@ bool Image::saveBitmap(int32_t x, int32_t y, int32_t w, int32_t h, const std::st
 // has one).
 void Image::packRow(int32_t r, int32_t firstWord, int32_t endWord, char* out) const
 {
-    if (r < firstUsedRow || r > lastUsedRow) {
-        std::memset(out, 0, static_cast<size_t>(std::max(endWord - firstWord, 0)) * 4);
+    std::memset(out, 0, static_cast<size_t>(std::max(endWord - firstWord, 0)) * 4);
+    if (r < firstUsedRow || r > lastUsedRow)
         return;
-    }
-    for (int32_t c = firstWord; c < endWord; ++c, out += 4) {
-        uint32_t word = c >= 0 && c < wordsPerRow() ? rows[r][c] : 0u;
-        if constexpr (std::endian::native == std::endian::little)
-            word = __builtin_bswap32(word);
-        std::memcpy(out, &word, 4);
+    const int32_t from = std::clamp(firstWord, 0, wordsPerRow()), to = std::clamp(endWord, from, wordsPerRow());
+    for (int32_t c = from; c < to; ++c) {
+        const uint32_t word = rows[r][c];
+        const uint32_t bigEndian = std::endian::native == std::endian::little ? __builtin_bswap32(word) : word;
+        std::memcpy(out + static_cast<ptrdiff_t>(c - firstWord) * 4, &bigEndian, 4);
     }
 }
 
@@ -112,20 +111,21 @@ bool Image::saveTrimmed(const std::string& path) const
     std::ofstream keepOpen(path, std::ios::binary | std::ios::trunc);
     // Ink lies only within the band of used rows.
     int32_t left = -1, top = -1, right = -1, bottom = -1;
+    const int32_t words = wordsPerRow();
     for (int32_t r = std::max(firstUsedRow, 0); r <= lastUsedRow; ++r) {
-        for (int32_t c = 0; c < wordsPerRow(); ++c) {
-            if (rows[r][c] == 0)
-                continue;
-            const int32_t column = c * 32;
-            if (left == -1 || left > column)
-                left = column;
-            if (right == -1 || right < column)
-                right = column;
-            if (top == -1 || top > r)
-                top = r;
-            if (bottom == -1 || bottom < r)
-                bottom = r;
-        }
+        const uint32_t* row = rows[r];
+        int32_t first = 0;
+        while (first < words && row[first] == 0)
+            ++first;
+        if (first == words)
+            continue;
+        int32_t last = words - 1;
+        while (row[last] == 0)
+            --last;
+        left = left == -1 ? first * 32 : std::min(left, first * 32);
+        right = std::max(right, last * 32);
+        top = top == -1 ? r : top;
+        bottom = r;
     }
     const int32_t x = left - left % 32;
     int32_t w = right - left + 1;

@@ -47,9 +47,12 @@ pid_t start(const std::vector<std::string>& argv, const std::string& dir)
     _exit(127);
 }
 
-// CPU milliseconds of one run of the command; exits the benchmark if the command fails.
+// CPU milliseconds of one run of the command; exits the benchmark if the command fails. Each run writes a new
+// file, as a batch of labels does: the files of earlier runs are removed here, outside the measured child.
 double runOnce(const std::vector<std::string>& argv, const std::string& dir)
 {
+    std::filesystem::remove(dir + "/out.bmp");
+    std::filesystem::remove(dir + "/raster.bin");
     const pid_t pid = start(argv, dir);
     int status = 0;
     rusage usage{};
