@@ -134,8 +134,15 @@ FT_Error Font::requestFace(FTC_FaceID faceId, FT_Library library, FT_Pointer, FT
     return 0;
 }
 
+// The face is looked up first. With all size slots taken, a size lookup recycles the oldest slot: it frees the
+// slot's size, gives the slot the new face and then requests that face; a request that fails discards every
+// size of the face, the recycled slot included, whose size is then freed a second time. A face that is in the
+// cache already can't fail that way.
 FT_Size Font::lookupSize(FTC_Scaler scaler, const std::string& failure, const char* nullFailure)
 {
+    FT_Face face = nullptr;
+    if (const FT_Error error = FTC_Manager_LookupFace(manager, scaler->face_id, &face))
+        throw kt_exception(KT_ERROR::text(failure, error));
     FT_Size size = nullptr;
     if (const FT_Error error = FTC_Manager_LookupSize(manager, scaler, &size))
         throw kt_exception(KT_ERROR::text(failure, error));

@@ -57,3 +57,13 @@ TEST_F(TextEndToEnd, AnUnmappedFontFailsWithItsTextAndPosition)
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_FALSE(std::filesystem::exists(run.dir / "in.esc.bmp"));
 }
+
+TEST_F(TextEndToEnd, AnUnmappedFontAfterEightSizesOfAnotherFailsWithItsTextInsteadOfCrashing)
+{
+    // Eight texts in font 5 at sizes 10 to 17 take every size slot of the font cache, then font 25 is asked for.
+    const RunResult run =
+        runCase("unmapped_font_after_eight_sizes.esc", "in.esc", {"in=in.esc", "showvariables=y"});
+    EXPECT_EQ(run.output, "Font::drawText() error acquiring size 25: 1\nError at position: 247\n");
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_FALSE(std::filesystem::exists(run.dir / "in.esc.bmp"));
+}

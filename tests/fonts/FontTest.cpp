@@ -486,6 +486,34 @@ TEST_F(Font_, AnUnmappedFontFailsWithItsText)
     EXPECT_EQ(textOf([&] { processFont.preloadDigits(arial, 8, 3); }), "no exception");
 }
 
+TEST_F(Font_, AnUnmappedFontAfterEveryFreeSizeIsTakenFailsWithItsTextAndTheCacheGoesOn)
+{
+    // The eight size slots hold sizes of one face when a face that can't be opened is asked for.
+    Image before(640, 608);
+    processFont.drawText(10, 50, arial, 10, "A", 0, nullptr, &before, 0, 0, false);
+    Image image(640, 608);
+    for (int32_t size = 11; size < 18; ++size)
+        processFont.drawText(10, 50, arial, size, "A", 0, nullptr, &image, 0, 0, false);
+    for (int round = 0; round < 3; ++round) {
+        SCOPED_TRACE(round);
+        try {
+            processFont.drawText(10, 50, 25, 10, "B", 0, nullptr, &image, 0, 0, false);
+            ADD_FAILURE() << "no exception";
+        } catch (const KT_ERROR::kt_exception& error) {
+            EXPECT_EQ(std::string(error.what()), "Font::drawText() error acquiring size 25: 1");
+        }
+    }
+    Image after(640, 608);
+    processFont.drawText(10, 50, arial, 10, "A", 0, nullptr, &after, 0, 0, false);
+    int inkedWords = 0;
+    for (int32_t row = 0; row < 608; ++row)
+        for (int32_t col = 0; col < 20; ++col) {
+            inkedWords += before.getLong(row, col) != 0;
+            ASSERT_EQ(after.getLong(row, col), before.getLong(row, col)) << "row " << row << " word " << col;
+        }
+    EXPECT_GT(inkedWords, 10);
+}
+
 TEST_F(Font_, AnUnreadableFontFileFailsLikeAnUnmappedOne)
 {
     writeFile(dir.file("broken.ttf"), "not a font");
