@@ -67,9 +67,13 @@ void FontProvider::init(const std::string& path)
     if (!std::filesystem::is_directory(copy, error) && !std::filesystem::create_directory(copy, error))
         throw KT_ERROR::resource_error(text("could not create directory ", copy));
 
-    if (fileOpens(mapFileName) && readMap()) {
+    // The files are checked after every read that opened the map, also one that failed halfway: what it read
+    // so far is checked, and a missing font is removed from the map before the old form is tried on it.
+    if (fileOpens(mapFileName)) {
+        const bool read = readMap();
         checkFiles();
-        return;
+        if (read)
+            return;
     }
     if (!convertOldMap()) {
         debugStream << "No font map file found, generating default file\r\n";

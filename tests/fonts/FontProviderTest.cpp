@@ -200,6 +200,27 @@ TEST(FontProvider, BadLinesMakeTheMapBadAndTheOldFormIsTried)
     }
 }
 
+TEST(FontProvider, TheFontsOfAMapThatFailsHalfwayAreCheckedBeforeTheOldFormIsTried)
+{
+    // Number 7 is read and found missing, which rewrites the map empty; the empty map then converts as an old
+    // one that holds no record, so no defaults are applied and the Arial file stays unmapped.
+    TempDir dir;
+    linkFont(dir, "arial_2.ttf", "arial.ttf");
+    writeFile(dir.file("fontmap.ini"), "7;gone.ttf\n50;x\n");
+    FontProvider provider;
+    DebugCapture debug;
+    provider.init(dir.path);
+    EXPECT_TRUE(mappedNumbers(provider).empty());
+    EXPECT_EQ(readFile(dir.file("fontmap.ini")), "");
+    EXPECT_EQ(provider.getDamagedFonts(), (std::vector<int32_t>{7}));
+    const std::string said = debug.text();
+    const size_t missing = said.find("Error: Font not found: gone.ttf\r\n");
+    ASSERT_NE(missing, std::string::npos);
+    EXPECT_LT(said.find("fontmap.ini, bad font number"), missing);
+    EXPECT_LT(missing, said.find("trying to convert old font map\r\n"));
+    EXPECT_EQ(said.find("resetting to"), std::string::npos);
+}
+
 TEST(FontProvider, Number49IsTheLastGoodNumberInTheMap)
 {
     TempDir dir;
