@@ -194,10 +194,11 @@ bool Image::loadBitmap(int32_t x, int32_t y, const std::string& path, bool useSt
         y += storedY;
     }
     // A compression value of 72 marks pixel data that is to be left alone. A header that promises
-    // more rows than the file holds stops at the file's end.
-    if (compression != 72) {
+    // more rows than the file holds stops at the file's end; rows that hold no word read nothing at all.
+    const int64_t firstWord = x / 32, endWord = (int64_t{x} + w) / 32;
+    if (compression != 72 && firstWord < endWord) {
         for (int64_t r = int64_t{y} + h - 1; r >= y && file; --r) {
-            for (int64_t c = x / 32; c < (int64_t{x} + w) / 32 && file; ++c) {
+            for (int64_t c = firstWord; c < endWord && file; ++c) {
                 const uint32_t word = readBigWord(file);
                 if (file && r >= 0 && r < height && c >= 0 && c < wordsPerRow())
                     rows[r][c] = word;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -533,6 +534,35 @@ TEST_F(TempDir, LoadBitmapRefusesEachBadHeaderWithItsMessage)
         bool loaded = true;
         EXPECT_EQ(captureStdout([&] { loaded = target.loadBitmap(0, 0, path("bad.bmp"), false); }), c.message);
         EXPECT_FALSE(loaded);
+        EXPECT_EQ(countInk(target), 1);
+        EXPECT_EQ(target.getFirstUsedRow(), 1);
+    }
+}
+
+TEST_F(TempDir, LoadBitmapOfRowsWithoutAWordReadsNothingAndEndsAtOnce)
+{
+    // Two billion rows of no width used to be walked one by one; none of them can hold a byte.
+    Image source(32, 1);
+    ASSERT_TRUE(source.saveBitmap(0, 0, 32, 1, path("empty.bmp")));
+    const auto good = readAll(path("empty.bmp"));
+    for (const uint32_t width : {0u, 0xFFFFFFE0u}) {
+        SCOPED_TRACE(width);
+        auto bytes = good;
+        for (int i = 0; i < 4; ++i) {
+            bytes[18 + i] = static_cast<unsigned char>(width >> (8 * i));
+            bytes[22 + i] = static_cast<unsigned char>(0x7FFFFFFFu >> (8 * i));
+        }
+        {
+            std::ofstream out(path("rows.bmp"), std::ios::binary | std::ios::trunc);
+            out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        }
+        Image target(64, 4);
+        target.setPixel(1, 1, 1);
+        const auto begin = std::chrono::steady_clock::now();
+        bool loaded = false;
+        EXPECT_EQ(captureStdout([&] { loaded = target.loadBitmap(0, 0, path("rows.bmp"), false); }), "");
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(500)) << "walked the rows";
+        EXPECT_TRUE(loaded);
         EXPECT_EQ(countInk(target), 1);
         EXPECT_EQ(target.getFirstUsedRow(), 1);
     }
