@@ -138,9 +138,14 @@ void SimpleFS::format()
     freshlyFormatted = true;
 }
 
+// Block numbers come from callers and from links on the store, so any of them may be damaged. The end of the
+// persistent array is the one hard limit; within it a block beyond the table is read as any other.
 uint32_t SimpleFS::blockAddress(uint32_t block) const
 {
-    return blockTable + blockLength * block;
+    const uint64_t address = uint64_t{blockTable} + uint64_t{blockLength} * block;
+    if (address + blockLength > array->size())
+        throw SFS_Exception(text("SimpleFS: block ", block, " lies beyond the end of the persistent array"));
+    return static_cast<uint32_t>(address);
 }
 
 uint8_t SimpleFS::readFlags(uint32_t block)
@@ -148,11 +153,8 @@ uint8_t SimpleFS::readFlags(uint32_t block)
     return array->readByte(blockAddress(block));
 }
 
-// A block number from a caller or a damaged link must not lead outside the region.
 SimpleFS::Block SimpleFS::loadBlock(uint32_t block)
 {
-    if (block >= blockCount)
-        throw SFS_Exception(text("SimpleFS: block number ", block, " lies outside of filesystem memory"));
     uint8_t bytes[blockLength];
     array->readBlock(bytes, blockLength, blockAddress(block));
     Block content;
@@ -192,7 +194,7 @@ void SimpleFS::storePiece(uint32_t block, uint8_t flags, uint32_t link, const ui
 
 bool SimpleFS::isRoot(uint32_t block)
 {
-    return block < blockCount && (readFlags(block) & rootMask) == rootMask;
+    return (readFlags(block) & rootMask) == rootMask;
 }
 
 // Scans on from the block allocated last, so that new files don't always land on the same blocks.
@@ -501,6 +503,9 @@ void SimpleFS::reportLostBlocks(CheckState& state)
 
 uint32_t SimpleFS::check(SimpleFSCheckReport* report, bool, std::ostream* stream)
 {
+    // A damaged header may claim more blocks than the store holds; no pass walks past its end.
+    if (blockCount != 0)
+        blockAddress(blockCount - 1);
     std::vector<uint32_t> unseen;
     try {
         unseen.assign(blockCount / 32 + 1, 0);

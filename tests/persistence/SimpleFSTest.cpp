@@ -474,7 +474,7 @@ TEST(SimpleFS, WriteToABlockThatIsNoRootFailsAndLeavesItUnchanged)
     SimpleFS fs(array, 0, 128, true);
     createText(fs, "123456789");
     const Bytes before = snapshot(array);
-    for (uint32_t block : {1u, 2u, 3u, 8u, 0xFFFFFFFFu}) {
+    for (uint32_t block : {1u, 2u, 3u}) {
         SCOPED_TRACE(block);
         expectFailure<SFS_Exception>([&] { writeText(fs, block, "new"); }, "SimpleFS: not a root block");
     }
@@ -781,21 +781,62 @@ TEST(SimpleFS, AFreeBlockWithTypeBitsPassesTheTypeCheck)
     expectFailure<SFS_Exception>([&] { fs.fileSize(0); }, "SimpleFS: querying size of empty file 0");
 }
 
-TEST(SimpleFS, BlockNumbersOutsideTheTableAreRefused)
+TEST(SimpleFS, BlockNumbersBeyondTheTableButInsideTheArrayAreReadAsBlocks)
+{
+    // A region of 128 bytes in an array of 256: blocks 8 to 23 lie behind the region, block 23 at 248.
+    FileArray array(256);
+    SimpleFS fs(array, 0, 128, true);
+    const Bytes before = snapshot(array);
+    for (uint32_t block : {8u, 9u, 23u}) {
+        SCOPED_TRACE(block);
+        uint8_t target[4];
+        std::ostringstream hex;
+        hex << std::hex << block;
+        expectFailure<SFS_FileNotFoundException>([&] { fs.read(target, 4, block, nullptr, false); },
+                                                 "SimpleFS: addressed empty block in address 0x" + hex.str());
+        expectFailure<SFS_Exception>([&] { fs.fileSize(block); },
+                                     "SimpleFS: querying size of empty file " + std::to_string(block));
+        expectFailure<SFS_Exception>([&] { fs.remove(block); }, "SimpleFS: trying to delete empty block");
+        EXPECT_FALSE(fs.isRoot(block));
+    }
+    EXPECT_EQ(snapshot(array), before);
+    setBlock(array, 23, {0x69, 0, 0, 0, 'a', 'b', 'c', 0});
+    EXPECT_TRUE(fs.isRoot(23));
+    EXPECT_EQ(fs.fileSize(23), 3u);
+}
+
+TEST(SimpleFS, BlocksBeyondTheEndOfTheArrayRaiseTheirOwnException)
 {
     FileArray array(256);
     SimpleFS fs(array, 0, 128, true);
     const Bytes before = snapshot(array);
-    for (uint32_t block : {8u, 9u, 1000u, 0xFFFFFFFFu}) {
+    for (uint32_t block : {24u, 1000u, 0x1FFFFFF8u, 0xFFFFFFFFu}) {
         SCOPED_TRACE(block);
-        const std::string text = "SimpleFS: block number " + std::to_string(block) + " lies outside of filesystem memory";
+        const std::string text = "SimpleFS: block " + std::to_string(block) + " lies beyond the end of the persistent array";
         uint8_t target[4];
         expectFailure<SFS_Exception>([&] { fs.read(target, 4, block, nullptr, false); }, text);
         expectFailure<SFS_Exception>([&] { fs.fileSize(block); }, text);
         expectFailure<SFS_Exception>([&] { fs.remove(block); }, text);
-        EXPECT_FALSE(fs.isRoot(block));
+        expectFailure<SFS_Exception>([&] { fs.isRoot(block); }, text);
+        const uint8_t data[2] = {1, 2};
+        expectFailure<SFS_Exception>([&] { fs.write(data, 2, block); }, text);
     }
     EXPECT_EQ(snapshot(array), before);
+}
+
+TEST(SimpleFS, AHeaderClaimingMoreBlocksThanTheArrayHoldsFailsTheCheckAtOnce)
+{
+    // 0xFFFFFFFF blocks in a region of 128 bytes: the check would otherwise visit four billion blocks.
+    FileArray array(128);
+    SimpleFS formatted(array, 0, 128, true);
+    const uint32_t claimed = 0xFFFFFFFF;
+    array.writeBlock(reinterpret_cast<const uint8_t*>(&claimed), 4, 12);
+    SimpleFS fs(array, 0, 128, false);
+    SimpleFSCheckReport report;
+    expectFailure<SFS_Exception>([&] { fs.check(&report, false, nullptr); },
+                                 "SimpleFS: block 4294967294 lies beyond the end of the persistent array");
+    expectFailure<SFS_Exception>([&] { fs.create(nullptr, 0); },
+                                 "SimpleFS: block 8 lies beyond the end of the persistent array");
 }
 
 TEST(SimpleFS, IsRootLooksAtTheUsedAndRootBits)
