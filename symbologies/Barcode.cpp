@@ -212,7 +212,10 @@ void Barcode::drawCentredLine(Image& context, Area& rectangle, const char* heigh
     const int32_t centre = length() / 2;
     const Area measured = measureLabel(centre, height, fontSize, text, context);
     const int32_t baseline = baselineFor(measured);
-    const int32_t barHeight = height - (measured.bottom - measured.top) - widths[0];
+    // An empty line (a Code 128 whose pairs were all lost) measures as the empty area, far out of range: the
+    // sum wraps in 32 bits, which leaves the bars too low.
+    const auto barHeight =
+        static_cast<int32_t>(int64_t{height} - (int64_t{measured.bottom} - measured.top) - widths[0]);
     requireBarHeight(barHeight, heightMessage);
     drawBars(context, barHeight, rectangle, reversed != 0);
     if (beforeText)

@@ -654,6 +654,23 @@ TEST_F(Code128Drawing, BarsUnderTextNeedTwelveDotsAfterTextAndOneModule)
     EXPECT_FALSE(rowIsBars(image, top + 12, bitString));
 }
 
+TEST_F(Code128Drawing, AnEmptyLineOfLostPairsLeavesBarsTooLowAtAnyHeight)
+{
+    // Set C loses both pairs, so the line is empty and measures as the empty area: its height wraps the bar
+    // height far below 12 dots, however tall the symbol.
+    for (int32_t height : {13, 100, 900}) {
+        SCOPED_TRACE(height);
+        Image image(2560, 1000);
+        expectFailure<KT_ERROR::render_time_error>(
+            [&] {
+                Area area{};
+                Code128("ABCD", left, top, module, height, 0, false, true, 0, SET_C).paint(image, area);
+            },
+            "Code 128: bar height is too small");
+        EXPECT_EQ(image.getLastUsedRow(), 0) << "nothing painted";
+    }
+}
+
 TEST_F(Code128Drawing, ABackslashInTheLineIsReadAsAnEscapeByTheFont)
 {
     Image image(2560, 1000);
