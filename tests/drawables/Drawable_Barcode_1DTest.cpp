@@ -49,6 +49,15 @@ protected:
 
     const KT_AC::Drawable& drawable(size_t at) { return format->getDrawables()[at]; }
 
+    // The raster as `symbol` paints itself on a fresh one.
+    PixelCanvas paintedBy(Barcode&& symbol)
+    {
+        Image expected(640, 640);
+        Area area{};
+        symbol.paint(expected, area);
+        return PixelCanvas::of(expected);
+    }
+
     std::unique_ptr<Image> image;
     std::unique_ptr<KT_Format> format;
 };
@@ -102,10 +111,7 @@ TEST_F(Barcode1DTest, EveryTypeReadsItsFieldGroupAndPaintsItsSymbologyWithThem)
 TEST_F(Barcode1DTest, AReversedSymbolIsPaintedReversed)
 {
     parse(barcodeRecord("03", 30, 40, '0', '1', "FAB", 100, 2, "0600"));
-    Image expected(640, 640);
-    Area area{};
-    Code39("AB", 30, 40, 2, 100, 0, false, false, 1, 6).paint(expected, area);
-    EXPECT_TRUE(PixelCanvas::of(*image) == PixelCanvas::of(expected));
+    EXPECT_TRUE(PixelCanvas::of(*image) == paintedBy(Code39("AB", 30, 40, 2, 100, 0, false, false, 1, 6)));
 }
 
 TEST_F(Barcode1DTest, TheReaderAddsTheDrawableOffsetToX)
@@ -114,31 +120,20 @@ TEST_F(Barcode1DTest, TheReaderAddsTheDrawableOffsetToX)
     parse(barcodeRecord("03", 30, 40, '0', '0', "FAB", 100, 2, "0600"));
     KT_AC::drawableXOffset = 0;
     EXPECT_EQ(drawable(0).getX(), 62);
-    Image expected(640, 640);
-    Area area{};
-    Code39("AB", 62, 40, 2, 100, 0, false, false, 0, 6).paint(expected, area);
-    EXPECT_TRUE(PixelCanvas::of(*image) == PixelCanvas::of(expected));
+    EXPECT_TRUE(PixelCanvas::of(*image) == paintedBy(Code39("AB", 62, 40, 2, 100, 0, false, false, 0, 6)));
 }
 
 TEST_F(Barcode1DTest, AnyNonZeroTextDigitCountsAsOn)
 {
     parse(barcodeRecord("03", 30, 40, '0', '0', "FAB", 150, 2, "0690"));
-    Image expected(640, 640);
-    Area area{};
-    Code39("AB", 30, 40, 2, 150, 0, false, true, 0, 6).paint(expected, area);
-    EXPECT_TRUE(PixelCanvas::of(*image) == PixelCanvas::of(expected));
+    EXPECT_TRUE(PixelCanvas::of(*image) == paintedBy(Code39("AB", 30, 40, 2, 150, 0, false, true, 0, 6)));
 }
 
 TEST_F(Barcode1DTest, Itf14UsesItsWideWidthAndAddsItsCheckDigitWithTheCheckFieldOff)
 {
     parse(barcodeRecord("08", 30, 40, '0', '0', "F1234567890123", 100, 2, "0500"));
-    Image expected(640, 640);
-    Area area{};
-    ITF14("1234567890123", 30, 40, 2, 100, 0, true, false, 0, 5).paint(expected, area);
-    EXPECT_TRUE(PixelCanvas::of(*image) == PixelCanvas::of(expected));
-    Image otherWide(640, 640);
-    ITF14("1234567890123", 30, 40, 2, 100, 0, true, false, 0, 6).paint(otherWide, area);
-    EXPECT_FALSE(PixelCanvas::of(*image) == PixelCanvas::of(otherWide));
+    EXPECT_TRUE(PixelCanvas::of(*image) == paintedBy(ITF14("1234567890123", 30, 40, 2, 100, 0, true, false, 0, 5)));
+    EXPECT_FALSE(PixelCanvas::of(*image) == paintedBy(ITF14("1234567890123", 30, 40, 2, 100, 0, true, false, 0, 6)));
 }
 
 TEST_F(Barcode1DTest, AnUnknownTypeFailsWithItsNumberAfterTheModuleWidth)
@@ -154,10 +149,7 @@ TEST_F(Barcode1DTest, AnUnknownTypeFailsWithItsNumberAfterTheModuleWidth)
 TEST_F(Barcode1DTest, LettersAsTheTypeReadAsEan8)
 {
     parse(barcodeRecord("AB", 30, 40, '0', '0', "F1234567", 100, 2, "00"));
-    Image expected(640, 640);
-    Area area{};
-    Ean8("1234567", 30, 40, 2, 100, 0, false, false, 0).paint(expected, area);
-    EXPECT_TRUE(PixelCanvas::of(*image) == PixelCanvas::of(expected));
+    EXPECT_TRUE(PixelCanvas::of(*image) == paintedBy(Ean8("1234567", 30, 40, 2, 100, 0, false, false, 0)));
 }
 
 TEST_F(Barcode1DTest, ASymbolOffTheRasterIsDroppedAndTheFormatGoesOn)
@@ -190,8 +182,5 @@ TEST_F(Barcode1DTest, EachPaintBuildsTheSymbolAnewFromTheElement)
     parse("\x1bVIBatch\x0b" "AB\x0b" "Batch ?\x0b" "0 00000010\x0b\x0b" +
           barcodeRecord("03", 30, 40, '0', '0', "VIBatch", 100, 2, "0600"));
     format->setContentOfElement("VIBatch", "CD");
-    Image expected(640, 640);
-    Area area{};
-    Code39("CD", 30, 40, 2, 100, 0, false, false, 0, 6).paint(expected, area);
-    EXPECT_TRUE(PixelCanvas::of(*image) == PixelCanvas::of(expected));
+    EXPECT_TRUE(PixelCanvas::of(*image) == paintedBy(Code39("CD", 30, 40, 2, 100, 0, false, false, 0, 6)));
 }
