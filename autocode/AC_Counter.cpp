@@ -4,6 +4,7 @@
 #include <memory>
 #include <utility>
 
+#include "autocode/AddressStream.h"
 #include "autocode/StorageMode.h"
 #include "errors/KT_Error.h"
 #include "format/FieldReaders.h"
@@ -81,7 +82,7 @@ AC_Counter::AC_Counter(const CounterAttributes& attributes, Trigger trigger, std
 }
 
 std::string AC_Counter::readCounterRecord(std::istream& stream, KT_FMT::KT_Format& format, uint32_t storageMode,
-                                          std::iostream*)
+                                          std::iostream* addressStream)
 {
     using KT_FMT::readDelimited;
     using KT_FMT::readNumber;
@@ -99,11 +100,27 @@ std::string AC_Counter::readCounterRecord(std::istream& stream, KT_FMT::KT_Forma
     const Padding padding = readCounterPadding(stream);
     std::string prefix = readDelimited(stream, KT_FMT::VT);
     std::string suffix = readDelimited(stream, KT_FMT::VT);
-    if (storageMode != STORAGE_NONE)
-        throw KT_ERROR::internal_error(KT_ERROR::text("storage mode ", storageMode, " is not available yet"));
-    format.getElements().addElement(
-        id, std::make_unique<AC_Counter>(attributes, trigger, std::move(baseSymbols), std::move(prefix),
-                                         std::move(suffix), padding));
+    if (storageMode == STORAGE_STORE && addressStream == nullptr)
+        throw KT_ERROR::kt_exception("sram address stream is NULL when storing counter");
+    if (storageMode == STORAGE_RESTORE && addressStream == nullptr)
+        throw KT_ERROR::kt_exception("sram address stream is NULL when restoring counter");
+    std::unique_ptr<AC_Counter> counter;
+    if (storageMode == STORAGE_RESTORE) {
+        // The numbers of the store stand for those of the record, and they are what is validated.
+        counter = std::make_unique<AC_Counter>(CounterAttributes{0, 0, 1, 0, 0}, trigger, std::move(baseSymbols),
+                                               std::move(prefix), std::move(suffix), padding);
+        counter->forEachNumber(
+            [&](auto& number) { number.restoreFrom(*format.getFileSystem(), readAddress(*addressStream)); });
+        validate(counter->getAttributes());
+    } else {
+        counter = std::make_unique<AC_Counter>(attributes, trigger, std::move(baseSymbols), std::move(prefix),
+                                               std::move(suffix), padding);
+    }
+    if (storageMode == STORAGE_STORE) {
+        counter->forEachNumber([&](auto& number) { number.createIn(*format.getFileSystem()); });
+        counter->forEachNumber([&](auto& number) { writeAddress(*addressStream, number.address); });
+    }
+    format.getElements().addElement(id, std::move(counter));
     return id;
 }
 
@@ -171,9 +188,12 @@ void AC_Counter::update(uint32_t event, uint32_t)
         if (trigger == TRIGGER_TRIGGER) {
             count();
         } else if (trigger == TRIGGER_PRINT_RESET) {
-            value.value = reset.value;
+            value.set(reset.value);
             unchanged = false;
         }
+        break;
+    case EVENT_DELETE:
+        forEachNumber([](auto& number) { number.forget(); });
         break;
     default:
         break;
@@ -189,7 +209,7 @@ void AC_Counter::count()
     int64_t next = static_cast<int64_t>(value.value) + step.value;
     if ((step.value > 0 && next > stop.value) || (step.value < 0 && next < stop.value))
         next = reset.value;
-    value.value = static_cast<int32_t>(next);
+    value.set(static_cast<int32_t>(next));
     unchanged = false;
 }
 
@@ -198,11 +218,11 @@ bool AC_Counter::isUnchanged() const { return unchanged; }
 void AC_Counter::assign(const CounterAttributes& attributes)
 {
     validate(attributes);
-    value.value = attributes.value;
-    stop.value = attributes.stop;
-    step.value = attributes.step;
-    reset.value = attributes.reset;
-    duration.value = attributes.duration;
+    value.set(attributes.value);
+    stop.set(attributes.stop);
+    step.set(attributes.step);
+    reset.set(attributes.reset);
+    duration.set(attributes.duration);
 }
 
 CounterAttributes AC_Counter::getAttributes() const

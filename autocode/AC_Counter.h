@@ -6,22 +6,13 @@
 #include "autocode/AC_Element.h"
 #include "autocode/CounterAttributes.h"
 #include "autocode/Padding.h"
+#include "autocode/PersistentNumber.h"
 
-class SimpleFS;
 namespace KT_FMT {
 class KT_Format;
 }
 
 namespace KT_AC {
-
-// One number of a counter, which a persistent format mirrors in a file of its store.
-template <class Number>
-struct PersistentNumber {
-    uint32_t address = 0;
-    SimpleFS* store = nullptr;
-    Number value = 0;
-    bool persistent = false;
-};
 
 // A number that advances with prints or triggers, written in digits of any base string.
 class AC_Counter : public AC_Element {
@@ -47,6 +38,16 @@ public:
     static void validate(const CounterAttributes& attributes);
 
 private:
+    // Applies `action` to the five numbers in the order of the store's files and of the address stream.
+    template <class Action>
+    void forEachNumber(Action action)
+    {
+        action(value);
+        action(stop);
+        action(step);
+        action(reset);
+        action(duration);
+    }
     // Validates, then takes the five numbers.
     void assign(const CounterAttributes& attributes);
     void count();

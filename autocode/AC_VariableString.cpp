@@ -5,11 +5,13 @@
 #include <memory>
 #include <utility>
 
+#include "autocode/AddressStream.h"
 #include "autocode/StorageMode.h"
 #include "errors/KT_Error.h"
 #include "format/FieldReaders.h"
 #include "format/KT_Format.h"
 #include "format/RecordDispatch.h"
+#include "persistence/SimpleFS.h"
 
 namespace KT_AC {
 
@@ -62,7 +64,7 @@ AC_VariableString::AC_VariableString(std::string content, std::string prompt, st
 }
 
 std::string AC_VariableString::readVariableRecord(std::istream& stream, KT_FMT::KT_Format& format,
-                                                  uint32_t storageMode, bool isExternal, std::iostream*)
+                                                  uint32_t storageMode, bool isExternal, std::iostream* addressStream)
 {
     using KT_FMT::readDelimited;
     using KT_FMT::VT;
@@ -86,10 +88,41 @@ std::string AC_VariableString::readVariableRecord(std::istream& stream, KT_FMT::
         variable = std::make_unique<AC_VariableString>(std::move(content), std::move(prompt), std::move(prefix),
                                                        std::move(suffix), padding, maxLength);
     }
-    if (storageMode != STORAGE_NONE)
-        throw KT_ERROR::internal_error(KT_ERROR::text("storage mode ", storageMode, " is not available yet"));
+    if (storageMode == STORAGE_STORE) {
+        if (addressStream == nullptr)
+            throw KT_ERROR::kt_exception("sram address stream is NULL when storing a variable input");
+        variable->createIn(*format.getFileSystem());
+        writeAddress(*addressStream, variable->text.address);
+    } else if (storageMode == STORAGE_RESTORE) {
+        if (addressStream == nullptr)
+            throw KT_ERROR::kt_exception("sram address stream is NULL when restoring a variable input");
+        variable->restoreFrom(*format.getFileSystem(), readAddress(*addressStream));
+    }
     format.getElements().addElement(id, std::move(variable));
     return id;
+}
+
+void AC_VariableString::createIn(SimpleFS& store)
+{
+    text.store = &store;
+    text.address = store.create(reinterpret_cast<const uint8_t*>(text.content.data()),
+                                static_cast<uint32_t>(text.content.size()));
+    text.persistent = true;
+}
+
+// The content of the store stands for that of the record. It is read in pieces of 50 bytes until the file ends.
+void AC_VariableString::restoreFrom(SimpleFS& store, uint32_t address)
+{
+    text.store = &store;
+    text.address = address;
+    text.persistent = true;
+    text.content.clear();
+    ReadState state{};
+    uint8_t piece[50];
+    for (bool first = true; first || state.phase != 2; first = false) {
+        const uint32_t got = store.read(piece, sizeof piece, address, &state, !first);
+        text.content.append(reinterpret_cast<const char*>(piece), got);
+    }
 }
 
 std::string AC_VariableString::getResult() const
@@ -102,6 +135,10 @@ void AC_VariableString::update(uint32_t event, uint32_t)
 {
     if (event == EVENT_PAINTED)
         unchanged = true;
+    if (event == EVENT_DELETE && text.persistent) {
+        text.store->remove(text.address);
+        text.persistent = false;
+    }
 }
 
 bool AC_VariableString::isUnchanged() const { return unchanged; }
@@ -134,6 +171,9 @@ void AC_VariableString::setContent(const std::string& value, const std::string& 
         throw KT_ERROR::illegal_content(KT_ERROR::text("new input to variable '", sourceId,
                                                        "' is too short, must be at least ", padding.width));
     text.content = value;
+    if (text.persistent)
+        text.store->write(reinterpret_cast<const uint8_t*>(value.data()), static_cast<uint32_t>(value.size()),
+                          text.address);
     text.sourceId = sourceId;
     unchanged = false;
 }

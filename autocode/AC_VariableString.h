@@ -45,11 +45,16 @@ public:
     const std::string& getContent() const { return text.content; }
     const std::string& getSourceId() const { return text.sourceId; }
     const std::string& getSerializationData() const { return text.serializationData; }
+    bool isPersistent() const { return text.persistent; }
+    uint32_t getAddress() const { return text.address; }
     const Padding& getPadding() const { return padding; }
     void setContent(const std::string& value, const std::string& sourceId);
     void setSerializationData(const std::string& data, bool add);
 
 private:
+    // Mirrors the content in a new file of the store, or takes it from the file at `address`.
+    void createIn(SimpleFS& store);
+    void restoreFrom(SimpleFS& store, uint32_t address);
     bool isTooLong(const std::string& value) const;
     bool isTooShort(const std::string& value) const;
 

@@ -2,15 +2,20 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <climits>
+#include <cstring>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "autocode/AddressStream.h"
 #include "autocode/StorageMode.h"
 #include "errors/KT_Error.h"
 #include "format/KT_Format.h"
 #include "graphics/Image.h"
+#include "persistence/FileArray.h"
+#include "persistence/SimpleFS.h"
 #include "tests/support/ExpectFailure.h"
 
 using namespace KT_AC;
@@ -345,16 +350,171 @@ TEST_F(CounterTest, SetAttributesValidatesBeforeChangingAnything)
     EXPECT_FALSE(counter.isUnchanged());
 }
 
-TEST_F(CounterTest, ThePersistentModesAreNotAvailableYet)
-{
-    for (const uint32_t mode : {STORAGE_STORE, STORAGE_RESTORE}) {
-        SCOPED_TRACE(mode);
-        std::istringstream in(Record().body());
-        expectFailure<KT_ERROR::internal_error>(
-            [&] { AC_Counter::readCounterRecord(in, format, mode, nullptr); },
-            "storage mode " + std::to_string(mode) + " is not available yet");
-        EXPECT_EQ(format.getElements().size(), 0u);
+// A store of its own in a region of 512 bytes, and the address stream of a persistent format.
+class PersistentCounterTest : public testing::Test {
+protected:
+    AC_Counter& read(uint32_t mode, const Record& record, std::iostream* stream)
+    {
+        std::istringstream in(record.body());
+        const std::string id = AC_Counter::readCounterRecord(in, format, mode, stream);
+        return dynamic_cast<AC_Counter&>(format.getElements().getElement(id));
     }
+    uint32_t fileNumber(uint32_t address)
+    {
+        EXPECT_EQ(fs.fileSize(address), 4u);
+        uint32_t number = 0;
+        fs.read(reinterpret_cast<uint8_t*>(&number), 4, address, nullptr, false);
+        return number;
+    }
+    uint32_t newFile(uint32_t number) { return fs.create(reinterpret_cast<const uint8_t*>(&number), 4); }
+    std::vector<uint32_t> streamAddresses() const
+    {
+        const std::string bytes = addresses.str();
+        std::vector<uint32_t> result(bytes.size() / 4);
+        std::memcpy(result.data(), bytes.data(), result.size() * 4);
+        return result;
+    }
+    uint32_t usedBlocks()
+    {
+        std::array<uint32_t, 6> info{};
+        fs.getInfo(info);
+        return info[3];
+    }
+
+    SRAM::FileArray array{512};
+    SimpleFS fs{array, 0, 512, true};
+    Image image{32, 4};
+    KT_FMT::KT_Format format{&fs, &image, nullptr};
+    std::stringstream addresses;
+};
+
+TEST_F(PersistentCounterTest, StoringPutsTheFiveNumbersInFilesOfFourBytesAndTheirAddressesInOrder)
+{
+    Record record;
+    record.value = 3;
+    record.stop = 50;
+    record.step = 2;
+    record.duration = 1;
+    record.reset = 7;
+    read(STORAGE_STORE, record, &addresses);
+    const std::vector<uint32_t> files = streamAddresses();
+    ASSERT_EQ(files.size(), 5u);
+    const std::vector<uint32_t> numbers = {3, 50, 2, 7, 1};  // value, stop, step, reset, duration
+    for (size_t i = 0; i < 5; ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_EQ(fileNumber(files[i]), numbers[i]);
+    }
+}
+
+TEST_F(PersistentCounterTest, EveryChangeOfANumberWritesThrough)
+{
+    Record record;
+    record.trigger = 'R';
+    AC_Counter& counter = read(STORAGE_STORE, record, &addresses);
+    const std::vector<uint32_t> files = streamAddresses();
+    counter.update(EVENT_PRINTED, 0);
+    EXPECT_EQ(fileNumber(files[0]), 2u);
+    counter.update(EVENT_TRIGGER, 0);
+    EXPECT_EQ(fileNumber(files[0]), 1u) << "the reset";
+    counter.setAttributes({4, 20, 3, 2, 6}, "CLot");
+    EXPECT_EQ(fileNumber(files[0]), 4u);
+    EXPECT_EQ(fileNumber(files[1]), 20u);
+    EXPECT_EQ(fileNumber(files[2]), 3u);
+    EXPECT_EQ(fileNumber(files[3]), 2u);
+    EXPECT_EQ(fileNumber(files[4]), 6u);
+}
+
+TEST_F(PersistentCounterTest, ARestoredCounterTakesItsNumbersFromTheStoreAndTheRestFromItsRecord)
+{
+    for (uint32_t number : {12u, 90u, 3u, 5u, 2u})
+        KT_AC::writeAddress(addresses, newFile(number));
+    Record record;
+    record.prefix = "L";
+    AC_Counter& counter = read(STORAGE_RESTORE, record, &addresses);
+    EXPECT_EQ(counter.getAttributes(), (CounterAttributes{12, 90, 3, 5, 2}));
+    EXPECT_EQ(counter.getResult(), "L12");
+    counter.update(EVENT_PRINTED, 0);
+    counter.update(EVENT_PRINTED, 0);
+    EXPECT_EQ(fileNumber(streamAddresses()[0]), 15u) << "two prints of duration 2 make one step of 3";
+}
+
+TEST_F(PersistentCounterTest, ARestoredCounterIsValidatedOnTheNumbersOfTheStore)
+{
+    // The record's numbers would run, those of the store have a step of 0.
+    for (uint32_t number : {1u, 9u, 0u, 1u, 1u})
+        KT_AC::writeAddress(addresses, newFile(number));
+    std::istringstream in(Record().body());
+    expectFailure<KT_ERROR::illegal_content>(
+        [&] { AC_Counter::readCounterRecord(in, format, STORAGE_RESTORE, &addresses); },
+        "counter: step value must not be zero");
+    EXPECT_EQ(format.getElements().size(), 0u);
+    // And a record whose numbers wouldn't run restores numbers that do.
+    std::stringstream good;
+    for (uint32_t number : {1u, 9u, 1u, 1u, 1u})
+        KT_AC::writeAddress(good, newFile(number));
+    Record refused;
+    refused.step = 0;
+    EXPECT_EQ(read(STORAGE_RESTORE, refused, &good).getAttributes(), (CounterAttributes{1, 9, 1, 1, 1}));
+}
+
+TEST_F(PersistentCounterTest, DeletingRemovesTheFiveFilesAndLaterCountsStayInMemory)
+{
+    AC_Counter& counter = read(STORAGE_STORE, Record(), &addresses);
+    const std::vector<uint32_t> files = streamAddresses();
+    EXPECT_EQ(usedBlocks(), 5u);
+    counter.update(EVENT_DELETE, 0);
+    EXPECT_EQ(usedBlocks(), 0u);
+    counter.update(EVENT_PRINTED, 0);
+    EXPECT_EQ(counter.getResult(), "2");
+    EXPECT_EQ(usedBlocks(), 0u);
+    counter.update(EVENT_DELETE, 0);
+    EXPECT_EQ(usedBlocks(), 0u) << "a second delete finds nothing to remove";
+}
+
+TEST_F(PersistentCounterTest, AFileOfAnotherSizeFailsOutsideTheFormatFamily)
+{
+    KT_AC::writeAddress(addresses, newFile(1));
+    const uint8_t five[5] = {1, 0, 0, 0, 0};
+    KT_AC::writeAddress(addresses, fs.create(five, 5));
+    std::istringstream in(Record().body());
+    try {
+        AC_Counter::readCounterRecord(in, format, STORAGE_RESTORE, &addresses);
+        ADD_FAILURE() << "no exception";
+    } catch (const KT_ERROR::kt_exception&) {
+        ADD_FAILURE() << "an exception of the format family";
+    } catch (const std::exception& error) {
+        EXPECT_EQ(std::string(error.what()), "Size in SRAM doesn't match");
+    }
+}
+
+TEST_F(PersistentCounterTest, WithoutAnAddressStreamBothModesFail)
+{
+    std::istringstream store(Record().body());
+    expectFailure<KT_ERROR::kt_exception>(
+        [&] { AC_Counter::readCounterRecord(store, format, STORAGE_STORE, nullptr); },
+        "sram address stream is NULL when storing counter");
+    std::istringstream restore(Record().body());
+    expectFailure<KT_ERROR::kt_exception>(
+        [&] { AC_Counter::readCounterRecord(restore, format, STORAGE_RESTORE, nullptr); },
+        "sram address stream is NULL when restoring counter");
+    EXPECT_EQ(usedBlocks(), 0u);
+}
+
+TEST_F(PersistentCounterTest, AFormatStoredAndParsedAgainFromItsAddressesContinuesItsCounter)
+{
+    const std::string text = "NAME      \x1bVI" "Batch\x0b" "B1\x0b" "P\x0b" "0 00000010\x0b\x0b\x1bVC" + Record().body() + "\xff";
+    std::istringstream first(text);
+    format.parse(first, &addresses, STORAGE_STORE);
+    format.getElements().getElement("CLot").update(EVENT_PRINTED, 0);
+    format.setContentOfElement("VIBatch", "B7");
+    ASSERT_EQ(addresses.str().size(), 24u) << "one address for the variable and five for the counter";
+
+    KT_FMT::KT_Format again(&fs, &image, nullptr);
+    std::istringstream second(text);
+    std::stringstream stream(addresses.str());
+    again.parse(second, &stream, STORAGE_RESTORE);
+    EXPECT_EQ(again.getElements().getElement("CLot").getResult(), "2");
+    EXPECT_EQ(again.getElements().getElement("IBatch").getResult(), "B7");
 }
 
 TEST_F(CounterTest, TheParserReadsACounterRecord)

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstring>
 #include <sstream>
 #include <string>
 
@@ -9,6 +11,8 @@
 #include "errors/KT_Error.h"
 #include "format/KT_Format.h"
 #include "graphics/Image.h"
+#include "persistence/FileArray.h"
+#include "persistence/SimpleFS.h"
 #include "tests/support/ExpectFailure.h"
 
 using namespace KT_AC;
@@ -295,16 +299,109 @@ TEST_F(VariableStringTest, AnyRealPieceOverflowsTheSerializationBuffer)
     }
 }
 
-TEST_F(VariableStringTest, ThePersistentModesAreNotAvailableYet)
-{
-    for (const uint32_t mode : {STORAGE_STORE, STORAGE_RESTORE}) {
-        SCOPED_TRACE(mode);
-        std::istringstream in(promptedRecord("v", "a"));
-        expectFailure<KT_ERROR::internal_error>(
-            [&] { AC_VariableString::readVariableRecord(in, format, mode, false, nullptr); },
-            "storage mode " + std::to_string(mode) + " is not available yet");
-        EXPECT_EQ(format.getElements().size(), 0u);
+// A store of its own in a region of 512 bytes, and the address stream of a persistent format.
+class PersistentVariableTest : public testing::Test {
+protected:
+    AC_VariableString& read(uint32_t mode, const std::string& body, std::iostream* stream)
+    {
+        std::istringstream in(body);
+        const std::string id = AC_VariableString::readVariableRecord(in, format, mode, false, stream);
+        return dynamic_cast<AC_VariableString&>(format.getElements().getElement(id));
     }
+    std::string fileText(uint32_t address)
+    {
+        std::string text(fs.fileSize(address), '\0');
+        fs.read(reinterpret_cast<uint8_t*>(text.data()), static_cast<uint32_t>(text.size()), address, nullptr, false);
+        return text;
+    }
+    static uint32_t addressAt(const std::string& stream, size_t index)
+    {
+        uint32_t address = 0;
+        std::memcpy(&address, stream.data() + 4 * index, 4);
+        return address;
+    }
+
+    SRAM::FileArray array{512};
+    SimpleFS fs{array, 0, 512, true};
+    Image image{32, 4};
+    KT_FMT::KT_Format format{&fs, &image, nullptr};
+    std::stringstream addresses;
+};
+
+TEST_F(PersistentVariableTest, StoringWritesTheContentToANewFileAndItsAddressToTheStream)
+{
+    AC_VariableString& v = read(STORAGE_STORE, promptedRecord("v", "abc", "P", "0 0000", "0020"), &addresses);
+    EXPECT_TRUE(v.isPersistent());
+    ASSERT_EQ(addresses.str().size(), 4u);
+    EXPECT_EQ(addressAt(addresses.str(), 0), v.getAddress());
+    EXPECT_EQ(fileText(v.getAddress()), "abc");
+    v.setContent("longer than four", "VIv");
+    EXPECT_EQ(fileText(v.getAddress()), "longer than four");
+    EXPECT_EQ(v.getResult(), "longer than four");
+}
+
+TEST_F(PersistentVariableTest, AnExternalVariableIsStoredAsWell)
+{
+    std::istringstream in("x" + VT + "ext" + VT);
+    AC_VariableString::readVariableRecord(in, format, STORAGE_STORE, true, &addresses);
+    EXPECT_EQ(fileText(addressAt(addresses.str(), 0)), "ext");
+}
+
+TEST_F(PersistentVariableTest, ARestoredVariableKeepsTheContentOfTheStoreWhateverItsRecordSays)
+{
+    // Longer than one piece of 50 bytes, so that the read goes on where it stopped.
+    const std::string stored(123, 'q');
+    const uint32_t address = fs.create(reinterpret_cast<const uint8_t*>(stored.data()), 123);
+    std::stringstream stream;
+    stream.write(reinterpret_cast<const char*>(&address), 4);
+    AC_VariableString& v = read(STORAGE_RESTORE, promptedRecord("v", "record"), &stream);
+    EXPECT_TRUE(v.isPersistent());
+    EXPECT_EQ(v.getAddress(), address);
+    EXPECT_EQ(v.getContent(), stored);
+}
+
+TEST_F(PersistentVariableTest, AnEmptyFileRestoresAnEmptyContent)
+{
+    const uint32_t address = fs.create(nullptr, 0);
+    std::stringstream stream;
+    stream.write(reinterpret_cast<const char*>(&address), 4);
+    EXPECT_EQ(read(STORAGE_RESTORE, promptedRecord("v", "record"), &stream).getContent(), "");
+}
+
+TEST_F(PersistentVariableTest, DeletingFreesTheFileAndLaterContentStaysInMemory)
+{
+    AC_VariableString& v = read(STORAGE_STORE, promptedRecord("v", "abc"), &addresses);
+    const uint32_t usedBefore = [&] {
+        std::array<uint32_t, 6> info{};
+        fs.getInfo(info);
+        return info[3];
+    }();
+    v.update(EVENT_DELETE, 0);
+    EXPECT_FALSE(v.isPersistent());
+    std::array<uint32_t, 6> info{};
+    fs.getInfo(info);
+    EXPECT_EQ(info[3], usedBefore - 1);
+    EXPECT_FALSE(fs.isRoot(v.getAddress()));
+    v.setContent("new", "VIv");
+    EXPECT_EQ(v.getContent(), "new");
+    EXPECT_EQ(info[3], usedBefore - 1);
+    EXPECT_FALSE(fs.isRoot(v.getAddress())) << "nothing was written to the store";
+}
+
+TEST_F(PersistentVariableTest, WithoutAnAddressStreamBothModesFail)
+{
+    std::istringstream store(promptedRecord("v", "a"));
+    expectFailure<KT_ERROR::kt_exception>(
+        [&] { AC_VariableString::readVariableRecord(store, format, STORAGE_STORE, false, nullptr); },
+        "sram address stream is NULL when storing a variable input");
+    std::istringstream restore(promptedRecord("v", "a"));
+    expectFailure<KT_ERROR::kt_exception>(
+        [&] { AC_VariableString::readVariableRecord(restore, format, STORAGE_RESTORE, false, nullptr); },
+        "sram address stream is NULL when restoring a variable input");
+    EXPECT_EQ(format.getElements().size(), 0u);
+    std::array<uint32_t, 6> info{};
+    fs.getInfo(info);
+    EXPECT_EQ(info[3], 0u) << "no file was made";
 }
 
 TEST_F(VariableStringTest, ASecondVariableOfTheSameNameIsRefused)
