@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr std::array<int32_t, 6> databarSymbologies = {BARCODE_RSS14,      BARCODE_RSS_LTD,         BARCODE_RSS_EXP,
-                                                       BARCODE_RSS14STACK, BARCODE_RSS14STACK_OMNI, BARCODE_RSS_EXPSTACK};
+constexpr std::array<int32_t, 6> databarSymbologies = {
+    BARCODE_RSS14, BARCODE_RSS_LTD, BARCODE_RSS_EXP, BARCODE_RSS14STACK, BARCODE_RSS14STACK_OMNI, BARCODE_RSS_EXPSTACK};
 
 bool isStacked(int32_t symbology)
 {

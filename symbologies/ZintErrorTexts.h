@@ -35,7 +35,8 @@ inline constexpr std::array<ZintErrorDetail, 6> zintErrorDetails = {{
     {ZINT_GROUP_LIBRARY, 5, "- ERROR_TOO_LONG "},
     {ZINT_GROUP_LIBRARY, 6, "- ERROR_INVALID_DATA "},
     {ZINT_GROUP_REWRITE, 1, "ai_number_replace: no more AI-Found"},
-    {ZINT_GROUP_REWRITE, 2, "ai_number_replace: Reached end of GS1-String can not insert']'. Check your input-message!"},
+    {ZINT_GROUP_REWRITE, 2,
+     "ai_number_replace: Reached end of GS1-String can not insert']'. Check your input-message!"},
     {ZINT_GROUP_REWRITE, 3, "ai_number_replace: Variable_Length exceeded the HasVariableLength"},
     {ZINT_GROUP_REWRITE, 5, "ai_number_replace: length exeeded"},
 }};
