@@ -38,10 +38,12 @@ void Databar::paint(Image& image, const std::string& content, GraphicsContext& c
             fail(ZINT_GROUP_REWRITE, result);
     if (symbol->rows != 0)
         paintRows(0);
-    if (const int result = encode(data); result != 0)
-        fail(ZINT_GROUP_LIBRARY, result);
+    const int result = encode(data);
+    // A warning leaves rows in the symbol, which the next paint clears: their heights have to be known.
     if (symbol->rows != rows)
         rebuildRowHeights();
+    if (result != 0)
+        fail(ZINT_GROUP_LIBRARY, result);
     paintRows(1);
     if (textHeight != 0 && !isStacked(symbology))
         paintText(image, context);

@@ -292,6 +292,20 @@ TEST_F(DatabarTest, ARewriteFailureLeavesTheOldSymbolAndALibraryFailureClearsIt)
     EXPECT_EQ(zinttest::inkCount(image), 0);
 }
 
+TEST_F(DatabarTest, ASymbolRefusedWithAWarningIsClearedByTheNextPaint)
+{
+    // A bad check digit still gives rows, of another count than the symbol before and after it.
+    Image image(960, 960), fresh(960, 960);
+    Databar symbol(BARCODE_RSS_EXPSTACK, 150, 3, 0, 2), other(BARCODE_RSS_EXPSTACK, 150, 3, 0, 2);
+    paint(image, symbol, "0101234567890128", 0);
+    EXPECT_THROW(paint(image, symbol, expanded + "\\<FNC1>0101234567890127", 0), KT_ERROR::format_error);
+    EXPECT_EQ(zinttest::inkCount(image), 0);
+    EXPECT_EQ(symbol.getSymbol().rows, 13);
+    paint(image, symbol, "0101234567890128", 0);
+    paint(fresh, other, "0101234567890128", 0);
+    EXPECT_TRUE(PixelCanvas::of(image) == PixelCanvas::of(fresh));
+}
+
 TEST_F(DatabarTest, ARunOffTheRasterEndsThePaintAsTheRasterSays)
 {
     Image image(128, 480);
