@@ -78,20 +78,26 @@ TEST(PDF417, MicroPDF417IsZintsMatrixWithRowsSharingTheHeight)
     EXPECT_TRUE(PixelCanvas::of(image) == expected);
 }
 
-TEST(PDF417, TurnedSymbolsLoseTheirFirstRowAndColumn)
+TEST(PDF417, EachOrientationReadsTheMatrixItsOwnWay)
 {
-    Image upright(640, 640), turned(640, 640);
-    PDF417 first(BARCODE_PDF417, 2, 1, 60, 1), second(BARCODE_PDF417, 2, 1, 60, 1);
-    painted(upright, first, "LOST", 0);
-    painted(turned, second, "LOST", 2);
-    const zint_symbol& s = first.getSymbol();
-    const int32_t v = 60 / s.rows;
-    for (int32_t r = 0; r < s.rows; ++r)
-        for (int32_t c = 0; c < s.width; ++c) {
-            // Position (r, c) shows the module at (rows - r, width - c), nothing where that lies beyond.
-            const bool expected = r > 0 && c > 0 && zintModule(s, s.rows - r, s.width - c);
-            ASSERT_EQ(turned.getPixel(20 + c, 20 + v * r) != 0, expected) << r << ", " << c;
-        }
+    // Across (1 and 3) a row runs down the raster: the symbol is mirrored, not turned. Backwards (2 and 3) the
+    // read is one row and one column beyond a clean mirror, so row 0 and column 0 are lost.
+    for (int32_t turns = 0; turns < 4; ++turns) {
+        SCOPED_TRACE(turns);
+        Image image(640, 640);
+        PDF417 symbol(BARCODE_PDF417, 2, 1, 60, 1);
+        painted(image, symbol, "LOST", turns);
+        const zint_symbol& s = symbol.getSymbol();
+        const int32_t v = 60 / s.rows;
+        const bool across = turns == 1 || turns == 3, backwards = turns >= 2;
+        for (int32_t r = 0; r < s.rows; ++r)
+            for (int32_t c = 0; c < s.width; ++c) {
+                const bool expected = backwards ? r > 0 && c > 0 && zintModule(s, s.rows - r, s.width - c)
+                                                : zintModule(s, r, c);
+                const int32_t x = across ? v * r : c, y = across ? c : v * r;
+                ASSERT_EQ(image.getPixel(20 + x, 20 + y) != 0, expected) << r << ", " << c;
+            }
+    }
 }
 
 TEST(PDF417, ModuleWidthZeroOrLessIsOne)
