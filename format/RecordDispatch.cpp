@@ -10,6 +10,7 @@
 #include "autocode/FormulaReader.h"
 #include "drawables/Drawable_Barcode_1D.h"
 #include "drawables/Drawable_Box.h"
+#include "drawables/Drawable_Datamatrix.h"
 #include "drawables/Drawable_Graphics.h"
 #include "drawables/Drawable_Invert.h"
 #include "drawables/Drawable_Text.h"
@@ -41,9 +42,12 @@ bool isMatrixType(const std::string& type)
 }
 
 // Matrix symbols whose readers have not landed leave their records unread up to the next ESC.
-void readMatrixRecord(ParseContext& context, const std::string&)
+void readMatrixRecord(ParseContext& context, const std::string& type)
 {
-    skipToNextEscape(context);
+    if (type == "07")
+        KT_AC::Drawable_Datamatrix::read(context.in, context.format);
+    else
+        skipToNextEscape(context);
 }
 
 // The matrix types go by their two characters; any other pair is a linear type by its decimal value,
