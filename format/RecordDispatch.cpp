@@ -10,9 +10,12 @@
 #include "autocode/FormulaReader.h"
 #include "drawables/Drawable_Barcode_1D.h"
 #include "drawables/Drawable_Box.h"
+#include "drawables/Drawable_Databar.h"
 #include "drawables/Drawable_Graphics.h"
 #include "drawables/Drawable_Invert.h"
+#include "drawables/Drawable_PDF417.h"
 #include "drawables/Drawable_Text.h"
+#include "drawables/Drawable_ZintMatrix.h"
 #include "graphics/Image.h"
 
 namespace KT_FMT {
@@ -40,9 +43,27 @@ bool isMatrixType(const std::string& type)
            type == "14";
 }
 
+using MatrixReader = void (*)(std::istream&, KT_Format&);
+
+struct MatrixType {
+    const char* type;
+    MatrixReader reader;
+};
+
+constexpr MatrixType matrixTypes[] = {
+    {"09", KT_AC::Drawable_Databar::read},    {"10", KT_AC::Drawable_QrCode::read},
+    {"11", KT_AC::Drawable_HanxinCode::read}, {"12", KT_AC::Drawable_PDF417::read},
+    {"13", KT_AC::Drawable_DMRectCode::read}, {"14", KT_AC::Drawable_MicroQrCode::read},
+};
+
 // Matrix symbols whose readers have not landed leave their records unread up to the next ESC.
-void readMatrixRecord(ParseContext& context, const std::string&)
+void readMatrixRecord(ParseContext& context, const std::string& type)
 {
+    for (const MatrixType& matrix : matrixTypes)
+        if (type == matrix.type) {
+            matrix.reader(context.in, context.format);
+            return;
+        }
     skipToNextEscape(context);
 }
 
