@@ -12,6 +12,7 @@ class ZintMatrixSymbol {
 public:
     ZintMatrixSymbol(const ZintMatrixSymbol&) = delete;
     ZintMatrixSymbol& operator=(const ZintMatrixSymbol&) = delete;
+    virtual ~ZintMatrixSymbol() = default;
 
     void setRotation(int32_t orientation) { rotation = orientation + 1; }
     // Clears the modules of the previous paint, encodes the content and paints its modules at the context's
@@ -27,7 +28,6 @@ public:
 
 protected:
     ZintMatrixSymbol(const ZintSetup& setup, const ZintRecordValues& record);
-    ~ZintMatrixSymbol() = default;
 
 private:
     void encode(const std::string& content);
