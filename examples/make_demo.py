@@ -51,6 +51,11 @@ def barcode(kind, x, y, content, height, module, orientation=0, reversed_=False,
     return record + b"10"
 
 
+def matrix(kind, x, y, content, fields, orientation=0):
+    """A matrix-code record: kind is the two type characters, fields the bytes of its own fields."""
+    return (ESC + b"#B" + kind + number(x) + number(y) + b"%d" % orientation + b"0" + b"F" + content + VT + fields)
+
+
 def logo(scale):
     """A diamond on a 32 x 32 grid, each cell scale x scale dots."""
     rows = []
@@ -97,6 +102,14 @@ records = b"".join([
     barcode(b"03", 1200, 1760, b"KTR-39", 240, 3, orientation=1),
     barcode(b"02", 40, 2120, b"1234567", 240, 3),
     barcode(b"08", 520, 2120, b"1234567890123", 240, 3),
+    # A Data Matrix of automatic size, module 6; beside it the library symbols: a QR code (automatic version,
+    # module 6, level M), a PDF417 of four columns and a GS1 DataBar Expanded with its line, the element string
+    # written as a scanner reads it.
+    matrix(b"07", 1000, 2480, b"ktr-render Data Matrix", b"06" b"000" b"000" b"200" b"0" b"0"),
+    matrix(b"10", 40, 2480, b"ktr-render QR 0123456789", b"00" b"06" b"00000" b"2" b"1" b"0"),
+    matrix(b"12", 400, 2480, b"ktr-render PDF417", b"0055" b"04" b"03" b"00240" b"2"),
+    matrix(b"09", 40, 2800, b"0101234567890128" b"10ABC123\\<FNC1>2112345",
+           b"0031" b"00120" b"03" b"00060" b"00"),
 ])
 
 with open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "demo.esc"), "wb") as out:

@@ -7,6 +7,7 @@
 #include "autocode/DateClock.h"
 #include "errors/KT_Error.h"
 #include "format/EscapeFilterStreamBuf.h"
+#include "format/gs1/AiNumberReplace.h"
 #include "format/RecordDispatch.h"
 #include "graphics/Image.h"
 
@@ -15,6 +16,7 @@ namespace KT_FMT {
 KT_Format::KT_Format(SimpleFS* fileSystem, Image* image, Image* background)
     : image(image), background(background), fileSystem(fileSystem)
 {
+    fillGS1Table();
 }
 
 std::string KT_Format::parse(std::istream& stream, sram_address_stream* addressStream, unsigned mode)

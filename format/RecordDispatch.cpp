@@ -10,9 +10,13 @@
 #include "autocode/FormulaReader.h"
 #include "drawables/Drawable_Barcode_1D.h"
 #include "drawables/Drawable_Box.h"
+#include "drawables/Drawable_Databar.h"
+#include "drawables/Drawable_Datamatrix.h"
 #include "drawables/Drawable_Graphics.h"
 #include "drawables/Drawable_Invert.h"
+#include "drawables/Drawable_PDF417.h"
 #include "drawables/Drawable_Text.h"
+#include "drawables/Drawable_ZintMatrix.h"
 #include "graphics/Image.h"
 
 namespace KT_FMT {
@@ -34,17 +38,19 @@ void skipToNextEscape(ParseContext& context)
         readByte(context.in);
 }
 
-bool isMatrixType(const std::string& type)
-{
-    return type == "07" || type == "09" || type == "10" || type == "11" || type == "12" || type == "13" ||
-           type == "14";
-}
+using MatrixReader = void (*)(std::istream&, KT_Format&);
 
-// Matrix symbols whose readers have not landed leave their records unread up to the next ESC.
-void readMatrixRecord(ParseContext& context, const std::string&)
-{
-    skipToNextEscape(context);
-}
+struct MatrixType {
+    const char* type;
+    MatrixReader reader;
+};
+
+constexpr MatrixType matrixTypes[] = {
+    {"07", KT_AC::Drawable_Datamatrix::read}, {"09", KT_AC::Drawable_Databar::read},
+    {"10", KT_AC::Drawable_QrCode::read},     {"11", KT_AC::Drawable_HanxinCode::read},
+    {"12", KT_AC::Drawable_PDF417::read},     {"13", KT_AC::Drawable_DMRectCode::read},
+    {"14", KT_AC::Drawable_MicroQrCode::read},
+};
 
 // The matrix types go by their two characters; any other pair is a linear type by its decimal value,
 // so that letters read as type 0.
@@ -52,10 +58,12 @@ void readBarcodeRecord(ParseContext& context)
 {
     std::string type(1, readByte(context.in));
     type += readByte(context.in);
-    if (isMatrixType(type))
-        readMatrixRecord(context, type);
-    else
-        KT_AC::Drawable_Barcode_1D::create(context.in, context.format, std::atoi(type.c_str()));
+    for (const MatrixType& matrix : matrixTypes)
+        if (type == matrix.type) {
+            matrix.reader(context.in, context.format);
+            return;
+        }
+    KT_AC::Drawable_Barcode_1D::create(context.in, context.format, std::atoi(type.c_str()));
 }
 
 void readHashRecord(ParseContext& context)

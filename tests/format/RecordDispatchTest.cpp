@@ -2,9 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <sstream>
 #include <string>
+#include <type_traits>
 
+#include "drawables/Drawable_Databar.h"
+#include "drawables/Drawable_Datamatrix.h"
+#include "drawables/Drawable_PDF417.h"
+#include "drawables/Drawable_ZintMatrix.h"
 #include "graphics/Image.h"
 #include "tests/support/EscapeRecords.h"
 
@@ -50,6 +56,13 @@ TEST_F(RecordDispatchTest, EachRecordIsReadToItsLastByteAndNoFurther)
         {"#I00000000020000100002", "", 0, 1},
         {"L000000000000008000040000000000", "", 0, 1},
         {graphicRecord(0, 0, 1, 1, [](int32_t, int32_t) { return 0x80; }).substr(1), "", 0, 1},
+        {withControls("#B07000000000000FDM|0200000020000"), "", 1, 1},
+        {withControls("#B09000000000000FDB|002900100020005002"), "", 1, 1},
+        {withControls("#B10000000000000FQR|010200000110"), "", 1, 1},
+        {withControls("#B11000000000000FHX|010200000110"), "", 1, 1},
+        {withControls("#B12000000000000FPDF|00550302000602"), "", 1, 1},
+        {withControls("#B13000000000000FDM|010200000110"), "", 1, 1},
+        {withControls("#B14000000000000FMQ|010200000110"), "", 1, 1},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.record);
@@ -62,6 +75,35 @@ TEST_F(RecordDispatchTest, EachRecordIsReadToItsLastByteAndNoFurther)
             EXPECT_NO_THROW(format.getElements().getElement(c.element));
         }
         EXPECT_EQ(format.getDrawables().size(), c.drawables);
+    }
+}
+
+TEST_F(RecordDispatchTest, EachMatrixTypeGetsItsOwnDrawable)
+{
+    struct Case {
+        const char* record;
+        std::function<bool(const KT_AC::Drawable&)> isOfClass;
+    };
+    const auto is = [](auto* probe) {
+        return [probe](const KT_AC::Drawable& d) {
+            return dynamic_cast<const std::remove_pointer_t<decltype(probe)>*>(&d) != nullptr;
+        };
+    };
+    const Case cases[] = {
+        {"#B07000000000000FDM|0200000020000", is(static_cast<KT_AC::Drawable_Datamatrix*>(nullptr))},
+        {"#B09000000000000FDB|002900100020005002", is(static_cast<KT_AC::Drawable_Databar*>(nullptr))},
+        {"#B10000000000000FQR|010200000110", is(static_cast<KT_AC::Drawable_QrCode*>(nullptr))},
+        {"#B11000000000000FHX|010200000110", is(static_cast<KT_AC::Drawable_HanxinCode*>(nullptr))},
+        {"#B12000000000000FPDF|00550302000602", is(static_cast<KT_AC::Drawable_PDF417*>(nullptr))},
+        {"#B13000000000000FDM|010200000110", is(static_cast<KT_AC::Drawable_DMRectCode*>(nullptr))},
+        {"#B14000000000000FMQ|010200000110", is(static_cast<KT_AC::Drawable_MicroQrCode*>(nullptr))},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.record);
+        format.getDrawables().clear();
+        dispatch(withControls(c.record) + "\xff");
+        ASSERT_EQ(format.getDrawables().size(), 1u);
+        EXPECT_TRUE(c.isOfClass(format.getDrawables()[0]));
     }
 }
 

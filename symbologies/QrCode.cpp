@@ -1,0 +1,7 @@
+#include "symbologies/QrCode.h"
+
+QrCode::QrCode(int32_t size, int32_t module, int32_t level, int32_t inputMode)
+    : ZintMatrixSymbol(qrCodeSetup,
+                       ZintRecordValues{.level = level, .option2 = size, .inputMode = inputMode, .module = module})
+{
+}
