@@ -3,7 +3,6 @@
 Edit here, then run it again."""
 import glob
 import os
-import shutil
 import struct
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -11,9 +10,11 @@ ROOT = os.path.dirname(HERE)
 
 
 def corpus(target, seeds):
+    """Writes the seeds anew; the inputs kept from findings, named otherwise, stay."""
     folder = os.path.join(HERE, "corpus", target)
-    shutil.rmtree(folder, ignore_errors=True)
-    os.makedirs(folder)
+    os.makedirs(folder, exist_ok=True)
+    for old in glob.glob(os.path.join(folder, "seed*")):
+        os.remove(old)
     for i, seed in enumerate(seeds):
         with open(os.path.join(folder, "seed%03d" % i), "wb") as out:
             out.write(seed)
@@ -55,6 +56,9 @@ def simplefs():
               bytes([0xE9, 0, 0, 0, 0, 0, 0, 0])] + [b"\x00" * 8] * 5
     return header + b"".join(blocks)
 
+
+corpus("DatamatrixFuzz", [b"\x00Lot 2026/11 AB123456", b"\x05\\<FNC1>0101234567890128", b"\x00" + b"1234567890" * 30,
+                          b"\x17A\\<RP>AAAAAA", b"\x00(\r)", b"\x1cabcdefABCDEF012345 ./"])
 
 corpus("SimpleFSFuzz", [simplefs(), simplefs()[:100], b"\x00" * 128])
 
