@@ -49,6 +49,7 @@ TEST_F(RecordDispatchTest, EachRecordIsReadToItsLastByteAndNoFurther)
         {withControls("VXx|ex|"), "Xx", 1, 0},
         {"#I00000000020000100002", "", 0, 1},
         {"L000000000000008000040000000000", "", 0, 1},
+        {withControls("#B07000100002030F123456|0401800820001"), "&0", 1, 1},
         {graphicRecord(0, 0, 1, 1, [](int32_t, int32_t) { return 0x80; }).substr(1), "", 0, 1},
     };
     for (const Case& c : cases) {
@@ -80,6 +81,16 @@ TEST_F(RecordDispatchTest, AnUnknownSelectorBehindHashOrVStopsBeforeTheNextEsc)
         SCOPED_TRACE(record);
         dispatch(record);
         EXPECT_EQ(in.peek(), 0x1b);
+    }
+}
+
+TEST_F(RecordDispatchTest, TheMatrixTypesWithoutAReaderStopBeforeTheNextEsc)
+{
+    for (const char* record : {"#B09lost\x1b", "#B10lost\x1b", "#B11\x1b", "#B12x\x1b", "#B13x\x1b", "#B14x\x1b"}) {
+        SCOPED_TRACE(record);
+        dispatch(record);
+        EXPECT_EQ(in.peek(), 0x1b);
+        EXPECT_EQ(format.getDrawables().size(), 0u);
     }
 }
 
