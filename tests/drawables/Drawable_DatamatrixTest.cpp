@@ -7,6 +7,7 @@
 
 #include "errors/KT_Error.h"
 #include "format/KT_Format.h"
+#include "graphics/GFX_Exception.h"
 #include "graphics/Image.h"
 #include "graphics/TransformedContext.h"
 #include "symbologies/Datamatrix.h"
@@ -276,4 +277,19 @@ TEST_F(DatamatrixDrawableTest, BothScannersReadTheSymbolAtEveryTurnReversedOrNot
                 EXPECT_EQ(scantest::scanInk(image, scantest::dmtx), content);
                 EXPECT_EQ(zxingRead(image), content);
             }
+}
+
+TEST_F(DatamatrixDrawableTest, AnOriginOutsideTheRasterIsRefusedByTheContext)
+{
+    Record record;
+    record.x = 640;
+    EXPECT_THROW(parse(record), GFX_OutsideContextException);
+}
+
+TEST_F(DatamatrixDrawableTest, ModulesOffTheRasterEndThePaint)
+{
+    Record record;
+    record.x = 620;
+    // The placement reaches column 7, row 3 of the 10 x 10 modules before any module beyond x 639.
+    expectFailure<KT_ERROR::drawable_off_format>([&] { parse(record); }, "rectangle off image(x/y/w/h): (648/92/4/4)");
 }

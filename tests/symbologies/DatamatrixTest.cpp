@@ -14,6 +14,7 @@
 #include "tests/support/ExpectFailure.h"
 #include "tests/support/PixelCanvas.h"
 #include "tests/support/ScanSupport.h"
+#include "tests/support/WithinTime.h"
 
 namespace {
 
@@ -379,5 +380,22 @@ TEST(Datamatrix, TheLargestSymbolPutsTheCheckWordsOfBlocks8And9First)
         const size_t first = 1558 + (i < 8 ? i + 2 : i - 8);
         for (size_t j = 0; j < 62; ++j)
             ASSERT_EQ(all[first + 10 * j], check[j]) << j;
+    }
+}
+
+TEST(Datamatrix, ContentOnWhichTheAutoSelectWouldLatchForEverFailsWithinBoundedTime)
+{
+    struct Row {
+        const char* content;
+        int32_t size;
+    };
+    const Row rows[] = {{"A\\<RP>AAAAAA", 0},           {"A\\<ECI(000026)>AAAAAA", 0},
+                        {"(AAAA\r\r\rAAAAAA", 0},       {"A\\<DMX_RP>AAAAAA", 144},
+                        {"A\\<DMX_ECI(000026)>AAAAAA", 24}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.content);
+        const auto encode = [&] { Datamatrix(row.size, row.size, 1, 200).computeSize(row.content); };
+        EXPECT_EQ(failureWithin<KT_ERROR::internal_autocode_error>(10, encode),
+                  "[Expected] datamatrix: auto-select makes no progress at position 0");
     }
 }
