@@ -84,16 +84,6 @@ TEST_F(RecordDispatchTest, AnUnknownSelectorBehindHashOrVStopsBeforeTheNextEsc)
     }
 }
 
-TEST_F(RecordDispatchTest, TheMatrixTypesWithoutAReaderStopBeforeTheNextEsc)
-{
-    for (const char* record : {"#B09lost\x1b", "#B10lost\x1b", "#B11\x1b", "#B12x\x1b", "#B13x\x1b", "#B14x\x1b"}) {
-        SCOPED_TRACE(record);
-        dispatch(record);
-        EXPECT_EQ(in.peek(), 0x1b);
-        EXPECT_EQ(format.getDrawables().size(), 0u);
-    }
-}
-
 TEST_F(RecordDispatchTest, AGraphicsRecordPaintsWhileItIsRead)
 {
     dispatch(graphicRecord(0, 1, 1, 1, [](int32_t, int32_t) { return 0xc0; }).substr(1));
