@@ -20,6 +20,12 @@ public:
     void redraw(Image& image) override;
 
     const Datamatrix& getSymbol() const { return *symbol; }
+    int32_t getModule() const { return module; }
+    int32_t getWidth() const { return width; }
+    int32_t getHeight() const { return height; }
+    int32_t getEcc() const { return ecc; }
+    int32_t getReservedDigit() const { return reservedDigit; }
+    bool getReservedFlag() const { return reservedFlag; }
 
 private:
     int32_t module = 0;

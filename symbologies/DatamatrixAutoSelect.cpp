@@ -19,8 +19,8 @@ bool isExtended(uint32_t c) { return c >= 128 && c <= 255; }
 bool isX12Own(uint32_t c) { return c == '\r' || c == '*' || c == '>'; }
 bool isC40Core(uint32_t c) { return c == ' ' || isDigit(c) || isUpper(c); }
 
-// Grows a capacity to the first square size that holds it; the sizes' own values stay, but for the
-// rectangles, whose capacities no square shares.
+// Grows a capacity to that of the first square size that holds it. A square's stays as it is, and so do
+// the rectangles' 5 and 22; the other rectangles' grow, 10 to 12 for one.
 uint32_t squareCapacity(uint32_t capacity)
 {
     for (int32_t row = 0; row < datamatrixSquareRows; ++row)
@@ -65,7 +65,8 @@ int32_t DatamatrixAutoSelect::encode(const std::vector<int32_t>& tokens, std::ve
     }
     if (state.mode == BASE256)
         return flushB256(state.b256Start, state.b256Length) ? 0 : -1;
-    // Automatic size passes a capacity of 3, so that a run is closed only in very short data.
+    // Deliberately against the capacity given, 3 for a fresh symbol of automatic size: there a run is
+    // left open before the padding.
     if (state.mode != ASCII && count() < state.capacity)
         emit(254);
     return 0;
@@ -83,29 +84,16 @@ int32_t DatamatrixAutoSelect::encodeAllB256(const std::vector<int32_t>& tokens, 
 
 int32_t DatamatrixAutoSelect::lookAhead(uint32_t pos, int32_t mode) const
 {
-    // Each step adds a double constant and keeps a float, as the thresholds below expect.
-    float ascii = 0, c40 = 1, text = 1, x12 = 1, edf = 1, b256 = 1.25f;
+    Costs costs = mode == ASCII ? Costs{0, 1, 1, 1, 1, 1.25f} : Costs{1, 2, 2, 2, 2, 2.25f};
     if (mode != ASCII) {
-        ascii = 1;
-        c40 = text = x12 = edf = 2;
-        b256 = 2.25f;
-        float* current[] = {&ascii, &c40, &text, &x12, &edf, &b256};
+        float* current[] = {&costs.ascii, &costs.c40, &costs.text, &costs.x12, &costs.edf, &costs.b256};
         *current[mode] = 0;
     }
-    const std::vector<int32_t>& all = *tokens;
     for (uint32_t p = pos; p < tokenCount(); ++p) {
-        const auto c = static_cast<uint32_t>(all[p]);
-        if (isDigit(c))
-            ascii += 0.5;
-        else
-            ascii = std::ceil(ascii) + (isExtended(c) ? 2 : 1);
-        c40 += isC40Core(c) ? 0.66 : isExtended(c) ? 2.66 : 1.33;
-        text += (c == ' ' || isDigit(c) || isLower(c)) ? 0.66 : isExtended(c) ? 2.66 : 1.33;
-        x12 += (isX12Own(c) || isC40Core(c)) ? 0.66 : isExtended(c) ? 4.33 : 3.33;
-        edf += (c >= 32 && c <= 94) ? 0.75 : isExtended(c) ? 4.25 : 3.25;
-        b256 += c < 256 ? 1 : 4;
+        costs.add(static_cast<uint32_t>((*tokens)[p]));
         if (p - pos <= 3)
             continue;
+        const auto [ascii, c40, text, x12, edf, b256] = costs;
         if (c40 >= ascii + 1 && text >= ascii + 1 && x12 >= ascii + 1 && edf >= ascii + 1 && b256 >= ascii + 1)
             return ASCII;
         if (ascii >= b256 + 1 || (c40 > b256 + 1 && text > b256 + 1 && x12 > b256 + 1 && edf > b256 + 1))
@@ -117,21 +105,28 @@ int32_t DatamatrixAutoSelect::lookAhead(uint32_t pos, int32_t mode) const
             return TEXT;
         if (ascii > x12 + 1 && c40 > x12 + 1 && text > x12 + 1 && edf > x12 + 1 && b256 > x12 + 1)
             return X12;
-        if (ascii > c40 + 1 && b256 > c40 + 1 && edf > c40 + 1 && text > c40 + 1) {
-            if (x12 > c40)
-                return C40;
-            if (x12 == c40) {
-                for (uint32_t q = p + 1; q < tokenCount(); ++q) {
-                    const auto d = static_cast<uint32_t>(all[q]);
-                    if (isX12Own(d))
-                        return X12;
-                    if (!isC40Core(d))
-                        return C40;
-                }
-                return C40;
-            }
-        }
+        if (ascii > c40 + 1 && b256 > c40 + 1 && edf > c40 + 1 && text > c40 + 1 && x12 >= c40)
+            return x12 > c40 ? C40 : firstX12OrC40(p + 1);
     }
+    return costs.closingMode();
+}
+
+// Each step adds a double constant and keeps a float, as the thresholds of the look-ahead expect.
+void DatamatrixAutoSelect::Costs::add(uint32_t c)
+{
+    if (isDigit(c))
+        ascii += 0.5;
+    else
+        ascii = std::ceil(ascii) + (isExtended(c) ? 2 : 1);
+    c40 += isC40Core(c) ? 0.66 : isExtended(c) ? 2.66 : 1.33;
+    text += (c == ' ' || isDigit(c) || isLower(c)) ? 0.66 : isExtended(c) ? 2.66 : 1.33;
+    x12 += (isX12Own(c) || isC40Core(c)) ? 0.66 : isExtended(c) ? 4.33 : 3.33;
+    edf += (c >= 32 && c <= 94) ? 0.75 : isExtended(c) ? 4.25 : 3.25;
+    b256 += c < 256 ? 1 : 4;
+}
+
+int32_t DatamatrixAutoSelect::Costs::closingMode() const
+{
     const float rounded[] = {std::ceil(ascii), std::ceil(c40), std::ceil(text),
                              std::ceil(x12),   std::ceil(edf), std::ceil(b256)};
     const float least = *std::min_element(std::begin(rounded), std::end(rounded));
@@ -143,6 +138,19 @@ int32_t DatamatrixAutoSelect::lookAhead(uint32_t pos, int32_t mode) const
         return TEXT;
     if (least == rounded[X12])
         return X12;
+    return C40;
+}
+
+// At equal C40 and X12 costs the first character that only one of them writes well decides.
+int32_t DatamatrixAutoSelect::firstX12OrC40(uint32_t from) const
+{
+    for (uint32_t q = from; q < tokenCount(); ++q) {
+        const auto c = static_cast<uint32_t>((*tokens)[q]);
+        if (isX12Own(c))
+            return X12;
+        if (!isC40Core(c))
+            return C40;
+    }
     return C40;
 }
 
@@ -265,7 +273,6 @@ uint32_t DatamatrixAutoSelect::encodeC40(uint32_t pos, uint32_t free, int32_t mo
     for (;;) {
         if (!hasPending && !stage.empty() && stage.size() % 3 == 0)
             break;
-        // The end is tested before a pending value is taken, which is then lost.
         if (pos + consumed == tokenCount()) {
             if (mode == X12)
                 return 0;
@@ -285,10 +292,14 @@ uint32_t DatamatrixAutoSelect::encodeC40(uint32_t pos, uint32_t free, int32_t mo
             stage.push_back(values.first);
             if (values.count == 2)
                 stage.push_back(values.second);
-        } else if (mode != X12 && (isExtended(c) || c == fnc1Token)) {
+        } else if (mode != X12 && c == fnc1Token) {
             stage.push_back(1);
-            stage.push_back(c == fnc1Token ? 27 : 30);
-            hasPending = c != fnc1Token;
+            stage.push_back(27);
+        } else if (mode != X12 && isExtended(c)) {
+            // Upper shift; the low half follows as a character of its own.
+            stage.push_back(1);
+            stage.push_back(30);
+            hasPending = true;
             pending = c - 128;
         } else {
             return 0;

@@ -33,8 +33,22 @@ protected:
         uint32_t latchPos = 0;
     };
 
+    // The running costs of the look-ahead, one per mode.
+    struct Costs {
+        float ascii;
+        float c40;
+        float text;
+        float x12;
+        float edf;
+        float b256;
+
+        void add(uint32_t c);
+        int32_t closingMode() const;
+    };
+
     void begin(const std::vector<int32_t>& tokens, std::vector<uint8_t>& codewords);
     int32_t lookAhead(uint32_t pos, int32_t mode) const;
+    int32_t firstX12OrC40(uint32_t from) const;
     void stepAscii(State& state);
     void stepC40(State& state);
     void stepEdifact(State& state);

@@ -2,7 +2,9 @@
 // with pictures painted here by hand.
 #include <gtest/gtest.h>
 
+#include "graphics/Image.h"
 #include "tests/cli/CliRunner.h"
+#include "tests/support/ScanSupport.h"
 
 using namespace cli_test;
 
@@ -118,4 +120,54 @@ TEST(DrawablesEndToEnd, TheTrimmedSaveOfAGraphicKeepsItsPlace)
     PixelCanvas expected(32, 4);
     expected.graphic(0, 0, 4, 4, [](int32_t r, int32_t b) { return (r + b) % 2 == 0 ? 0x1B : 0xFF; });
     EXPECT_TRUE(canvasOf(bitmap) == expected);
+}
+
+TEST(DrawablesEndToEnd, DataMatrixRecordsAtThreeTurnsOneOfThemReversedReadBack)
+{
+    const RunResult run = runCase("datamatrix.esc", "in.esc", fullKta1);
+    EXPECT_EQ(run.output, fullKta1Output);
+    EXPECT_EQ(run.exitCode, 0);
+    const Bitmap bitmap = readBitmap(run.dir / "in.esc.bmp");
+    struct Symbol {
+        int32_t left, top;
+        bool reversed;
+        const char* content;
+    };
+    const Symbol symbols[] = {{64, 60, false, "KTR-RENDER 2026"}, {368, 60, true, "Hello, World!"},
+                              {64, 360, false, "ABCDEFGHIJKL"}};
+    for (const Symbol& symbol : symbols) {
+        SCOPED_TRACE(symbol.content);
+        // Each symbol on a raster of its own; the reversed one is turned back to black on white over its
+        // 18 x 18 modules of 6 dots and the module of quiet zone all round, at 400, 100.
+        Image image(256, 248);
+        for (int32_t y = 0; y < 248; ++y)
+            for (int32_t x = 0; x < 256; ++x) {
+                const int32_t px = symbol.left + x, py = symbol.top + y;
+                const bool ink = bitmap.pixels[py][px] == 1;
+                const bool inverted = symbol.reversed && px >= 400 && py >= 100 && px < 400 + 120 && py < 100 + 120;
+                if (ink != inverted)
+                    image.setPixel(x, y, 1);
+            }
+        EXPECT_EQ(scantest::scanInk(image, scantest::dmtx), symbol.content);
+        EXPECT_EQ(scantest::scanInk(image, [](const std::string& path) { return scantest::zxing(path, "DataMatrix"); }),
+                  symbol.content);
+    }
+}
+
+TEST(DrawablesEndToEnd, ABadDataMatrixParameterFailsWhileReadingABadEciWhilePainting)
+{
+    const struct {
+        const char* file;
+        const char* report;
+    } cases[] = {
+        {"datamatrix_bad_ecc.esc", "datamatrix: only supporting ecc level 200, not 0\nError at position: 50\n"},
+        {"datamatrix_bad_eci.esc", "datamatrix: eci parameter must be 6 characters long: 12\nError at position: 56\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.file);
+        const RunResult run = runCase(c.file, "in.esc", fullKta1);
+        EXPECT_EQ(run.output, fullKta1Output + c.report);
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_FALSE(std::filesystem::exists(run.dir / "in.esc.bmp"));
+    }
 }

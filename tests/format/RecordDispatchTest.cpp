@@ -55,6 +55,7 @@ TEST_F(RecordDispatchTest, EachRecordIsReadToItsLastByteAndNoFurther)
         {withControls("VXx|ex|"), "Xx", 1, 0},
         {"#I00000000020000100002", "", 0, 1},
         {"L000000000000008000040000000000", "", 0, 1},
+        {withControls("#B07000100002030F123456|0401800820001"), "&0", 1, 1},
         {graphicRecord(0, 0, 1, 1, [](int32_t, int32_t) { return 0x80; }).substr(1), "", 0, 1},
         {withControls("#B07000000000000FDM|0200000020000"), "", 1, 1},
         {withControls("#B09000000000000FDB|002900100020005002"), "", 1, 1},
