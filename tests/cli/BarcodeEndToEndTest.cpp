@@ -16,23 +16,6 @@ namespace {
 
 const std::vector<std::string> kta1 = {"in=in.esc", "printer=KTA1", "trim=n"};
 
-// What a KTA1 run with the default fonts prints before its last line.
-std::string kta1Header()
-{
-    const std::string fontPath = executableDirectory() + "\\TTF2";
-    return "setting fontpath to " + fontPath + "\nsetting height to 608\nsetting width to 640\n\nFound file: in.esc " +
-           "(640x608)\nFontpath: " + fontPath + "/\n\nFound format start sequence...\n";
-}
-
-// The saved bitmap back at its place on a raster of the printer's size.
-std::unique_ptr<Image> rasterOf(const RunResult& run, int32_t width, int32_t height,
-                                const std::string& bitmap = "in.esc.bmp")
-{
-    auto image = std::make_unique<Image>(width, height);
-    image->loadBitmap(0, 0, (run.dir / bitmap).string(), true);
-    return image;
-}
-
 uint64_t fingerprint(const std::string& bytes)
 {
     uint64_t hash = 1469598103934665603ull;

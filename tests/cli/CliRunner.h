@@ -9,8 +9,11 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <vector>
+
+#include "graphics/Image.h"
 
 #include "tests/support/PixelCanvas.h"
 
@@ -136,6 +139,23 @@ inline std::string defaultRunOutput(const std::string& in, const std::string& si
            "\n\nFound format start sequence...\n"
            "\nWriting bitmap to " +
            in + ".bmp\n";
+}
+
+// What a run on KTA1 with the default fonts prints before its "Writing bitmap" line.
+inline std::string kta1Header()
+{
+    const std::string fontPath = executableDirectory() + "\\TTF2";
+    return "setting fontpath to " + fontPath + "\nsetting height to 608\nsetting width to 640\n\nFound file: in.esc " +
+           "(640x608)\nFontpath: " + fontPath + "/\n\nFound format start sequence...\n";
+}
+
+// The saved bitmap back at its place on a raster of the printer's size.
+inline std::unique_ptr<Image> rasterOf(const RunResult& run, int32_t width, int32_t height,
+                                       const std::string& bitmap = "in.esc.bmp")
+{
+    auto image = std::make_unique<Image>(width, height);
+    image->loadBitmap(0, 0, (run.dir / bitmap).string(), true);
+    return image;
 }
 
 }  // namespace cli_test

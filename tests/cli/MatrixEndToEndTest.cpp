@@ -18,20 +18,6 @@ namespace {
 
 const std::vector<std::string> kta1 = {"in=in.esc", "printer=KTA1", "trim=n"};
 
-std::string kta1Header()
-{
-    const std::string fontPath = executableDirectory() + "\\TTF2";
-    return "setting fontpath to " + fontPath + "\nsetting height to 608\nsetting width to 640\n\nFound file: in.esc " +
-           "(640x608)\nFontpath: " + fontPath + "/\n\nFound format start sequence...\n";
-}
-
-std::unique_ptr<Image> rasterOf(const RunResult& run, int32_t width, int32_t height)
-{
-    auto image = std::make_unique<Image>(width, height);
-    image->loadBitmap(0, 0, (run.dir / "in.esc.bmp").string(), true);
-    return image;
-}
-
 struct MatrixCase {
     const char* name;
     const char* zxingFormat;
