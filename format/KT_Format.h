@@ -56,6 +56,8 @@ public:
     std::string parse(std::istream& stream, sram_address_stream* addressStream, unsigned mode);
     void clear();
     void update();
+    // Paints built-in pattern `number` (0 to 23) straight into the main image; defined in TestFormats.cpp.
+    void buildTestFormat(uint32_t number, const std::vector<std::string>& strings, const std::vector<int32_t>& integers);
     // Repeated painting for measuring: mode 1 repaints the variable drawables 100 times and saves the
     // rectangle 0, 0, 3200, 1000 to `path`; mode 2 repaints everything `count` times, the last time on a
     // cleared raster, and saves the same rectangle if a path is given.
