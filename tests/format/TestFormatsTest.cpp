@@ -291,6 +291,24 @@ TEST_F(TestFormats, HalfHatchPaintsItsThreeParts)
     EXPECT_EQ(build(14, 200, {10, 8, 4}), expected);
 }
 
+TEST_F(TestFormats, GapsBelowZeroAreTheGapZero)
+{
+    const PixelCanvas negative = build(13, 40, {-5});
+    EXPECT_EQ(negative, build(13, 40, {0}));
+    const PixelCanvas negatives = build(14, 40, {-1, -3, -2});
+    EXPECT_EQ(negatives, build(14, 40, {0, 0, 0}));
+}
+
+TEST_F(TestFormats, HalfHatchWithoutGapOrThicknessStepsOneDot)
+{
+    // q + t of 0 would never move on; the coarse grid then inks every dot of its third.
+    const PixelCanvas canvas = build(14, 40, {0, 0, 0});
+    for (int32_t y = 0; y < 39; ++y)
+        for (int32_t x = 426; x < W; ++x)
+            if (canvas.pixels[static_cast<size_t>(y) * W + x] != 1)
+                FAIL() << "pixel " << x << ", " << y;
+}
+
 TEST_F(TestFormats, HalfHatchHoldsItsFiguresToNinetyNine)
 {
     const PixelCanvas large = build(14, 300, {500, 300, 120});
@@ -418,6 +436,22 @@ TEST_F(TextTestFormats, SpeedDensityListsTheSettingsInAFrame)
     reference.corners(12, 0, 538, 12);
     reference.corners(12, 338, 538, 350);
     EXPECT_EQ(build(9, 360, {7, 42, 123, 4567, 8, 5, 9, 24, 11, 2026}), reference.canvas());
+}
+
+TEST_F(TextTestFormats, SpeedDensityReadsMissingIntegersAsZero)
+{
+    Reference reference;
+    reference.text(60, 60, 10, 5, "SPEED - 009");
+    reference.text(60, 110, 10, 5, "DENSITY - 000");
+    reference.text(60, 160, 10, 5, "RESISTANCE - 0000");
+    reference.text(60, 210, 10, 5, "PRINTCOUNT - 000000");
+    reference.text(60, 260, 10, 5, "TIME - 00:00:00");
+    reference.text(60, 310, 10, 5, "DATE - 00/00/0000");
+    reference.corners(0, 0, 12, 350);
+    reference.corners(538, 0, 550, 350);
+    reference.corners(12, 0, 538, 12);
+    reference.corners(12, 338, 538, 350);
+    EXPECT_EQ(build(9, 360, {9}), reference.canvas());
 }
 
 TEST_F(TextTestFormats, BoxFrameIsTwelveDotsThickAndTheGivenMillimetresTall)
