@@ -60,6 +60,12 @@ def simplefs():
 corpus("DatamatrixFuzz", [b"\x00Lot 2026/11 AB123456", b"\x05\\<FNC1>0101234567890128", b"\x00" + b"1234567890" * 30,
                           b"\x17A\\<RP>AAAAAA", b"\x00(\r)", b"\x1cabcdefABCDEF012345 ./"])
 
+# Property files of slots and the formats behind them.
+properties = [b"<fmtName>BOXES     <\\fmtName>\r\n<1.Line>97<\\1.Line>\r\n<sram Addr><\\sram Addr>",
+              b"<print coord>10;20;5;<\\print coord><1.Line>-1<\\1.Line><sram Addr>\x08\x00\x00\x00<\\sram Addr>", b""]
+corpus("StorageFuzz", [bytes([len(p)]) + p + b"\x1bF" + f[f.find(b"\x1bF") + 2:]
+                       for p in properties for f in formats[:6] if b"\x1bF" in f])
+
 corpus("SimpleFSFuzz", [simplefs(), simplefs()[:100], b"\x00" * 128])
 
 corpus("LinearBarcodeFuzz", [bytes(head) + content for head, content in [
