@@ -178,16 +178,30 @@ void Font::renderText(int32_t x, int32_t y, int32_t fontNumber, int32_t size, co
     FT_UInt previous = 0;
     Pen pen{wrap(int64_t{x} * 65536), wrap(int64_t{y} * 65536)};
 
+    // A run of one symbol (a tally counter prints millions) looks its glyph and kerning up once: nothing
+    // between two glyphs of the run touches the cache, so the glyph stays where the lookup left it.
+    uint32_t lastSymbol = 0;
+    FT_UInt glyphIndex = 0;
+    FT_Glyph glyph = nullptr;
+    FT_Vector kerning{};
+    FT_UInt kerningPair[2] = {0, 0};
     TextCharacters characters(text);
     while (characters.hasNext()) {
         const uint32_t symbol = characters.next();
-        const FT_UInt glyphIndex = FT_Get_Char_Index(face, symbol);
-        const FT_Glyph glyph = lookupGlyph(&scaler, glyphIndex);
+        if (glyph == nullptr || symbol != lastSymbol) {
+            glyphIndex = FT_Get_Char_Index(face, symbol);
+            glyph = lookupGlyph(&scaler, glyphIndex);
+            lastSymbol = symbol;
+        }
         if (hasKerning && previous != 0 && glyphIndex != 0) {
-            FT_Vector delta{};
-            FT_Get_Kerning(face, previous, glyphIndex, FT_KERNING_UNFITTED, &delta);
-            const FT_Vector turned = transformed(delta.x, delta.y, matrix);
-            pen.add(turned.x * 1024, turned.y * 1024);
+            if (kerningPair[0] != previous || kerningPair[1] != glyphIndex) {
+                FT_Vector delta{};
+                FT_Get_Kerning(face, previous, glyphIndex, FT_KERNING_UNFITTED, &delta);
+                kerning = transformed(delta.x, delta.y, matrix);
+                kerningPair[0] = previous;
+                kerningPair[1] = glyphIndex;
+            }
+            pen.add(kerning.x * 1024, kerning.y * 1024);
         }
         if (glyph == nullptr || glyph->format != FT_GLYPH_FORMAT_BITMAP) {
             std::cout << "Received wrong glyph type from cache";
@@ -226,6 +240,10 @@ void Font::blitGlyph(Image& target, const FT_Bitmap& bitmap, int32_t left, int32
     const int32_t shift = left & 31;
     // Deliberately one word less for every negative left, even a multiple of 32.
     const int32_t firstWord = left / 32 - (left < 0 ? 1 : 0);
+    // A glyph whose rows or words all lie off the raster writes nothing; far off, that is most of a long text.
+    if (int64_t{top} >= target.height || int64_t{top} + rows <= 0 || firstWord >= rowWords ||
+        int64_t{firstWord} + width / 32 + 1 < 0)
+        return;
     for (int32_t r = std::max(0, -top); r < rows && top + r < target.height; ++r) {
         const unsigned char* source = bitmap.buffer + static_cast<ptrdiff_t>(r) * bitmap.pitch;
         uint32_t* row = target.rows[top + r];
