@@ -146,7 +146,14 @@ std::string AC_Counter::getResult() const
     // Negation in 32 bits: the most negative value has no positive form and stays negative.
     const auto v = static_cast<int32_t>(negative ? 0u - static_cast<uint32_t>(value.value)
                                                  : static_cast<uint32_t>(value.value));
-    return prefix + padding.apply(digits(v), negative) + suffix;
+    // One text of the final length: a tally can be a gigabyte, and growing one in place doubles it.
+    std::string shown = padding.apply(digits(v), negative);
+    if (prefix.empty() && suffix.empty())
+        return shown;
+    std::string result;
+    result.reserve(prefix.size() + shown.size() + suffix.size());
+    result.append(prefix).append(shown).append(suffix);
+    return result;
 }
 
 std::string AC_Counter::digits(int32_t v) const

@@ -14,7 +14,7 @@ struct Padding {
     Alignment alignment = ALIGN_NONE;
 
     // A negative value gets a '-' in front of everything, and the sign takes one place of the fill.
-    std::string apply(const std::string& text, bool negative) const;
+    std::string apply(std::string text, bool negative) const;
 };
 
 }  // namespace KT_AC

@@ -60,8 +60,8 @@ void Drawable_Text::paint(Image& image, int stage)
 
 void Drawable_Text::redraw(Image& image)
 {
-    const std::string value = format->getElements().getElement(contentId).getResult();
-    image.drawText(x, y, size, fontNumber, value, orientation, &paintedArea, alignment, spacing, reversed);
+    std::string value = format->getElements().getElement(contentId).getResult();
+    image.drawText(x, y, size, fontNumber, std::move(value), orientation, &paintedArea, alignment, spacing, reversed);
 }
 
 }  // namespace KT_AC

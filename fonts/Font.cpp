@@ -81,16 +81,63 @@ uint32_t windows1252(uint32_t byte)
 // One reader per pass, with the hooks that make code points of UNIC sequences and high bytes.
 class TextCharacters {
 public:
-    explicit TextCharacters(const std::string& text) : reader(Font::sequenceHook, Font::itemFilter)
+    explicit TextCharacters(std::string text) : reader(Font::sequenceHook, Font::itemFilter)
     {
-        reader.setContent(text);
+        reader.setContent(std::move(text));
     }
     bool hasNext() const { return reader.hasNext(); }
     uint32_t next() { return reader.next().value; }
+    uint32_t peek() const { return reader.peek().value; }
+    uint32_t takeRun() { return reader.takeRun(); }
 
 private:
     KT_FMT::ContentEscapeReader reader;
 };
+
+constexpr uint64_t unbounded = UINT64_MAX;
+
+// Glyphs from `from` on, `step` apart, before the pen would wrap.
+uint64_t stepsBeforeWrap(int32_t from, int32_t step)
+{
+    if (step > 0)
+        return static_cast<uint64_t>(INT32_MAX - int64_t{from}) / static_cast<uint64_t>(step) + 1;
+    if (step < 0)
+        return static_cast<uint64_t>(int64_t{from} - INT32_MIN) / static_cast<uint64_t>(-int64_t{step}) + 1;
+    return unbounded;
+}
+
+// Glyphs from `from` on, `step` apart, before one lies in [low, high]; unbounded if none does before a wrap.
+uint64_t stepsBeforeEntry(int32_t from, int32_t step, int64_t low, int64_t high)
+{
+    if (low > high)
+        return unbounded;
+    if (from >= low && from <= high)
+        return 0;
+    if (from < low && step > 0)
+        return static_cast<uint64_t>((low - from + step - 1) / step);
+    if (from > high && step < 0)
+        return static_cast<uint64_t>((from - high - step - 1) / -int64_t{step});
+    return unbounded;
+}
+
+// How many glyphs from `pen` on, `step` apart, surely put nothing on the raster and don't wrap the pen; 0 when
+// the first may land. The window is wider than the blit's own test on the left, where that test is quirky.
+// No raster at all has no words.
+uint64_t offRasterStretch(const Pen& pen, const Pen& step, int32_t rasterWords, int32_t rasterRows, int32_t left,
+                          int32_t top, const FT_Bitmap& bitmap)
+{
+    int64_t lowX = 1, highX = 0, lowY = 1, highY = 0;
+    if (rasterWords > 0) {
+        const int64_t width = bitmap.width;
+        lowX = (-32 * (width / 32 + 2) - left) * 65536;
+        highX = (int64_t{rasterWords} * 32 - 1 - left) * 65536 + 65535;
+        lowY = (int64_t{top} - bitmap.rows + 1) * 65536;
+        highY = (int64_t{rasterRows} - 1 + top) * 65536 + 65535;
+    }
+    const uint64_t entry = std::max(stepsBeforeEntry(pen.x, step.x, lowX, highX),
+                                    stepsBeforeEntry(pen.y, step.y, lowY, highY));
+    return std::min({entry, stepsBeforeWrap(pen.x, step.x), stepsBeforeWrap(pen.y, step.y)});
+}
 
 // Gathers the 32 pixels of a bitmap row from byte `first` on, most significant first.
 uint32_t gatherWord(const unsigned char* row, int32_t pitch, int32_t first)
@@ -159,7 +206,7 @@ FT_Glyph Font::lookupGlyph(FTC_Scaler scaler, FT_UInt glyphIndex)
     return glyph;
 }
 
-void Font::renderText(int32_t x, int32_t y, int32_t fontNumber, int32_t size, const std::string& text,
+void Font::renderText(int32_t x, int32_t y, int32_t fontNumber, int32_t size, std::string text,
                       int32_t orientation, Area* area, Image* target, int32_t spacing)
 {
     FTC_ScalerRec scaler = makeScaler(fontNumber * 4 + orientation, size);
@@ -175,6 +222,7 @@ void Font::renderText(int32_t x, int32_t y, int32_t fontNumber, int32_t size, co
     }
     const FT_Matrix& matrix = penTransform(orientation);
     const bool hasKerning = FT_HAS_KERNING(face);
+    const FT_Vector extra = transformed(spacing, 0, matrix);
     FT_UInt previous = 0;
     Pen pen{wrap(int64_t{x} * 65536), wrap(int64_t{y} * 65536)};
 
@@ -185,45 +233,70 @@ void Font::renderText(int32_t x, int32_t y, int32_t fontNumber, int32_t size, co
     FT_Glyph glyph = nullptr;
     FT_Vector kerning{};
     FT_UInt kerningPair[2] = {0, 0};
-    TextCharacters characters(text);
+    const auto markArea = [&](const Pen& at) {
+        FT_BBox box{};
+        FT_Glyph_Get_CBox(glyph, FT_GLYPH_BBOX_PIXELS, &box);
+        area->right = std::max<int64_t>(area->right, at.dotX() + box.xMax);
+        area->bottom = std::max<int64_t>(area->bottom, at.dotY() - box.yMin);
+        area->left = std::min<int64_t>(area->left, at.dotX() + box.xMin);
+        area->top = std::min<int64_t>(area->top, at.dotY() - box.yMax);
+    };
+    TextCharacters characters(std::move(text));
     while (characters.hasNext()) {
-        const uint32_t symbol = characters.next();
+        const uint32_t symbol = characters.peek();
+        const uint32_t count = characters.takeRun();
         if (glyph == nullptr || symbol != lastSymbol) {
             glyphIndex = FT_Get_Char_Index(face, symbol);
             glyph = lookupGlyph(&scaler, glyphIndex);
             lastSymbol = symbol;
         }
-        if (hasKerning && previous != 0 && glyphIndex != 0) {
-            if (kerningPair[0] != previous || kerningPair[1] != glyphIndex) {
-                FT_Vector delta{};
-                FT_Get_Kerning(face, previous, glyphIndex, FT_KERNING_UNFITTED, &delta);
-                kerning = transformed(delta.x, delta.y, matrix);
-                kerningPair[0] = previous;
-                kerningPair[1] = glyphIndex;
+        for (uint32_t i = 0; i < count; ++i) {
+            const bool kerned = hasKerning && previous != 0 && glyphIndex != 0;
+            if (kerned) {
+                if (kerningPair[0] != previous || kerningPair[1] != glyphIndex) {
+                    FT_Vector delta{};
+                    FT_Get_Kerning(face, previous, glyphIndex, FT_KERNING_UNFITTED, &delta);
+                    kerning = transformed(delta.x, delta.y, matrix);
+                    kerningPair[0] = previous;
+                    kerningPair[1] = glyphIndex;
+                }
+                pen.add(kerning.x * 1024, kerning.y * 1024);
             }
-            pen.add(kerning.x * 1024, kerning.y * 1024);
+            if (glyph == nullptr || glyph->format != FT_GLYPH_FORMAT_BITMAP) {
+                std::cout << "Received wrong glyph type from cache";
+                return;
+            }
+            const auto bitmapGlyph = reinterpret_cast<FT_BitmapGlyph>(glyph);
+            const bool marks = area != nullptr && symbol != space;
+            // Past the first glyph of a run, every glyph stands one fixed step from the one before. A stretch
+            // that can't reach the raster and doesn't wrap moves one way, so its ends bound its area.
+            if (i > 0) {
+                const Pen step{wrap((kerned ? kerning.x * 1024 : 0) + glyph->advance.x + extra.x),
+                               wrap((kerned ? kerning.y * 1024 : 0) - glyph->advance.y + extra.y)};
+                const uint64_t stretch = std::min<uint64_t>(
+                    count - i, offRasterStretch(pen, step, target != nullptr ? target->wordsPerRow() : 0,
+                                                target != nullptr ? target->height : 0, bitmapGlyph->left,
+                                                bitmapGlyph->top, bitmapGlyph->bitmap));
+                if (stretch > 1) {
+                    if (marks)
+                        markArea(pen);
+                    const auto last = static_cast<int64_t>(stretch) - 1;
+                    pen.add(last * step.x, last * step.y);
+                    if (marks)
+                        markArea(pen);
+                    pen.add(glyph->advance.x + extra.x, -glyph->advance.y + extra.y);
+                    i += static_cast<uint32_t>(last);
+                    continue;
+                }
+            }
+            if (marks)
+                markArea(pen);
+            if (target != nullptr)
+                blitGlyph(*target, bitmapGlyph->bitmap, pen.dotX() + bitmapGlyph->left,
+                          pen.dotY() - bitmapGlyph->top);
+            pen.add(glyph->advance.x + extra.x, -glyph->advance.y + extra.y);
+            previous = glyphIndex;
         }
-        if (glyph == nullptr || glyph->format != FT_GLYPH_FORMAT_BITMAP) {
-            std::cout << "Received wrong glyph type from cache";
-            return;
-        }
-        const auto bitmapGlyph = reinterpret_cast<FT_BitmapGlyph>(glyph);
-        if (area != nullptr && symbol != space) {
-            FT_BBox box{};
-            FT_Glyph_Get_CBox(glyph, FT_GLYPH_BBOX_PIXELS, &box);
-            area->right = std::max<int64_t>(area->right, pen.dotX() + box.xMax);
-            area->bottom = std::max<int64_t>(area->bottom, pen.dotY() - box.yMin);
-            area->left = std::min<int64_t>(area->left, pen.dotX() + box.xMin);
-            area->top = std::min<int64_t>(area->top, pen.dotY() - box.yMax);
-        }
-        if (target != nullptr)
-            blitGlyph(*target, bitmapGlyph->bitmap, pen.dotX() + bitmapGlyph->left, pen.dotY() - bitmapGlyph->top);
-        pen.add(glyph->advance.x, -glyph->advance.y);
-        if (spacing != 0) {
-            const FT_Vector extra = transformed(spacing, 0, matrix);
-            pen.add(extra.x, extra.y);
-        }
-        previous = glyphIndex;
     }
 }
 
@@ -271,22 +344,31 @@ int32_t Font::getBaselineLength(int32_t fontNumber, int32_t size, const std::str
                                     "Font::getBaselineLength() error acquiring size, pointer NULL: ")
                              ->face;
     const bool hasKerning = FT_HAS_KERNING(face);
+    const auto kerning = [&](FT_UInt left, FT_UInt right) {
+        FT_Vector delta{};
+        FT_Get_Kerning(face, left, right, FT_KERNING_UNFITTED, &delta);
+        return static_cast<uint64_t>(delta.x) * 1024;
+    };
     FT_UInt previous = 0;
     int32_t length = 0;
     TextCharacters characters(text);
     while (characters.hasNext()) {
-        const FT_UInt glyphIndex = FT_Get_Char_Index(face, characters.next());
+        const uint32_t symbol = characters.peek();
+        const uint64_t count = characters.takeRun();
+        const FT_UInt glyphIndex = FT_Get_Char_Index(face, symbol);
         const FT_Glyph glyph = lookupGlyph(&scaler, glyphIndex);
-        if (hasKerning && previous != 0 && glyphIndex != 0) {
-            FT_Vector delta{};
-            FT_Get_Kerning(face, previous, glyphIndex, FT_KERNING_UNFITTED, &delta);
-            length = wrap(int64_t{length} + delta.x * 1024);
+        // The glyphs of a run add alike, in 32 bits as the length wraps, but for the kerning to the glyph
+        // before the run. The gap behind the last character doesn't belong to the string's length.
+        uint64_t added = (characters.hasNext() ? count : count - 1) * static_cast<uint64_t>(spacing);
+        if (hasKerning && glyphIndex != 0) {
+            if (previous != 0)
+                added += kerning(previous, glyphIndex);
+            if (count > 1)
+                added += (count - 1) * kerning(glyphIndex, glyphIndex);
         }
-        // The gap behind the last character doesn't belong to the string's length.
-        if (characters.hasNext())
-            length = wrap(int64_t{length} + spacing);
         if (glyph != nullptr)
-            length = wrap(int64_t{length} + glyph->advance.x);
+            added += count * static_cast<uint64_t>(glyph->advance.x);
+        length = wrap(static_cast<int64_t>(length + added));
         previous = glyphIndex;
     }
     return length >> 16;
@@ -378,7 +460,9 @@ void Font::drawText(int32_t x, int32_t y, int32_t fontNumber, int32_t size, std:
         box.right = wrap(int64_t{box.right} + 1);
         target->rectangleCorners(box.left, box.top, box.right, box.bottom, 0);
     }
-    renderText(anchorX, anchorY, fontNumber, size, text, orientation, boxed ? nullptr : &box, target, spacing);
+    // The last pass takes the text over: a tally can be a gigabyte.
+    renderText(anchorX, anchorY, fontNumber, size, std::move(text), orientation, boxed ? nullptr : &box, target,
+               spacing);
     if (boxed)
         target->rectangleCorners(box.left, box.top, box.right, box.bottom, 2);
 }

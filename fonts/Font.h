@@ -29,7 +29,7 @@ public:
     void drawText(int32_t x, int32_t y, int32_t fontNumber, int32_t size, std::string text, int32_t orientation,
                   Area* area, Image* target, int32_t alignment, int32_t spacing, bool reversed);
     // One pass over the string with the pen starting at x, y.
-    void renderText(int32_t x, int32_t y, int32_t fontNumber, int32_t size, const std::string& text,
+    void renderText(int32_t x, int32_t y, int32_t fontNumber, int32_t size, std::string text,
                     int32_t orientation, Area* area, Image* target, int32_t spacing);
     // The advance width of the string at orientation 0, in whole dots.
     int32_t getBaselineLength(int32_t fontNumber, int32_t size, const std::string& text, int32_t spacing);

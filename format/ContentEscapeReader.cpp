@@ -35,9 +35,9 @@ ContentEscapeReader::ContentEscapeReader(SequenceHook sequenceHook, ItemFilter i
 {
 }
 
-void ContentEscapeReader::setContent(const std::string& text)
+void ContentEscapeReader::setContent(std::string text)
 {
-    content = text;
+    content = std::move(text);
     position = 0;
     current = advance();
 }
@@ -50,16 +50,31 @@ ContentItem ContentEscapeReader::next()
     return item;
 }
 
+uint32_t ContentEscapeReader::takeRun()
+{
+    uint32_t count = 1;
+    if (currentIsByte) {
+        const char byte = content[position - 1];
+        for (; position < content.size() && content[position] == byte; ++position)
+            ++count;
+    }
+    current = advance();
+    return count;
+}
+
 ContentItem ContentEscapeReader::advance()
 {
     while (position < content.size()) {
-        ContentItem item = content[position] == '\\' ? readSequence() : byteItem(static_cast<unsigned char>(content[position]));
+        const bool isByte = content[position] != '\\';
+        ContentItem item = isByte ? byteItem(static_cast<unsigned char>(content[position])) : readSequence();
         ++position;
         if (itemFilter)
             itemFilter(item);
         // A sequence without a result leaves no trace: whatever follows is delivered instead.
-        if (item.type != ITEM_NONE)
+        if (item.type != ITEM_NONE) {
+            currentIsByte = isByte;
             return item;
+        }
     }
     return ContentItem{};
 }

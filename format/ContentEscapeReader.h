@@ -26,15 +26,20 @@ class ContentEscapeReader {
 public:
     // Gets a sequence the reader does not know, with the item preset to ITEM_NONE; leaving it so drops it.
     using SequenceHook = std::function<void(std::string id, std::string parm, ContentItem& item)>;
-    // May rewrite every finished item.
+    // May rewrite every finished item, the same way each time for the same item.
     using ItemFilter = std::function<void(ContentItem& item)>;
 
     explicit ContentEscapeReader(SequenceHook sequenceHook, ItemFilter itemFilter = nullptr);
 
-    void setContent(const std::string& text);
+    void setContent(std::string text);
     const std::string& getContent() const { return content; }
     bool hasNext() const { return current.type != ITEM_NONE; }
     ContentItem next();
+    // The item that next() gives.
+    const ContentItem& peek() const { return current; }
+    // Takes the next item and the repeats of its byte that follow it directly, which are the same item;
+    // gives how many items were taken. An item from an escape sequence is taken alone.
+    uint32_t takeRun();
 
 private:
     ContentItem advance();
@@ -46,6 +51,7 @@ private:
     std::string content;
     // One item of look-ahead keeps hasNext a field test.
     ContentItem current;
+    bool currentIsByte = false;
     uint32_t position = 0;
     ItemFilter itemFilter;
     SequenceHook sequenceHook;

@@ -7,4 +7,6 @@ struct Area {
     int32_t top = 0;
     int32_t right = 0;
     int32_t bottom = 0;
+
+    bool operator==(const Area&) const = default;
 };

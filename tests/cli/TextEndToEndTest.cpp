@@ -1,6 +1,8 @@
 // Text through the built ktr-render with its default fonts, against the same texts drawn here.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "fonts/Font.h"
 #include "fonts/FontProvider.h"
 #include "graphics/Image.h"
@@ -66,4 +68,17 @@ TEST_F(TextEndToEnd, AnUnmappedFontAfterEightSizesOfAnotherFailsWithItsTextInste
     EXPECT_EQ(run.output, "Font::drawText() error acquiring size 25: 1\nError at position: 247\n");
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_FALSE(std::filesystem::exists(run.dir / "in.esc.bmp"));
+}
+
+TEST_F(TextEndToEnd, ATallyWhosePenWrapsComesBackOverTheRasterAsItsMarksOneByOne)
+{
+    const RunResult run = runCase("tally_wraps.esc", "in.esc", fullKta1);
+    EXPECT_EQ(run.exitCode, 0);
+    Image expected(640, 608);
+    Area area;
+    expected.drawText(100, 300, 10, 5, fonttest::oneByOne('|', 200000), 0, &area, 0, 0, false);
+    expected.drawText(300, 100, 8, 5, fonttest::oneByOne('|', 200000), 1, &area, 2, -65536, false);
+    const PixelCanvas want = PixelCanvas::of(expected);
+    EXPECT_GT(std::count(want.pixels.begin(), want.pixels.end(), 1), 20000) << "the marks came back";
+    EXPECT_TRUE(canvasOf(readBitmap(run.dir / "in.esc.bmp")) == want);
 }

@@ -636,6 +636,66 @@ TEST_F(Font_, ABrokenContentEscapeRaisesWhenDrawn)
     EXPECT_THROW(processFont.getBaselineLength(arial, 8, "\\<UNIC(20ac)", 0), KT_ERROR::bad_content_sequence);
 }
 
+TEST_F(Font_, ALongRunOfOneSymbolDrawsAndMeasuresAsItsSymbolsOneByOne)
+{
+    // The pen wraps every 65536 dots, so a long run comes back onto the raster from the other side; negative
+    // spacing walks it backwards. Runs are cut short where they can't land and don't wrap.
+    struct Case {
+        char symbol;
+        uint32_t count;
+        int32_t x, y, orientation, alignment, spacing;
+        bool reversed;
+    };
+    const Case cases[] = {
+        {'I', 30000, 2000, 300, 0, 0, 0, false},     {'I', 30000, -900, 300, 0, 0, 5, false},
+        {'W', 12000, 320, 300, 1, 0, 3, false},      {'|', 20000, 320, 9000, 2, 0, -7, false},
+        {'.', 40000, 320, -5000, 3, 0, -1, false},   {'V', 9000, 100, 200, 0, 1, 0, false},
+        {'A', 9000, 600, 100, 1, 2, 2, false},       {'I', 40, 50, 50, 0, 0, -1, true},
+        {' ', 30000, 10, 10, 0, 0, 4, false},        {'I', 70000, 300, 300, 0, 0, 65535, false},
+        {'j', 5000, 30000, 300, 0, 0, -65536, false}, {'I', 3, 300, 300, 0, 0, 0, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(1, c.symbol) + " x" + std::to_string(c.count) + " turn " +
+                     std::to_string(c.orientation) + " spacing " + std::to_string(c.spacing));
+        Image runImage(640, 608);
+        Image singleImage(640, 608);
+        const std::string run(c.count, c.symbol);
+        const std::string single = oneByOne(c.symbol, c.count);
+        const Area runArea = draw(runImage, c.x, c.y, run, c.orientation, c.alignment, c.spacing * 65536, c.reversed);
+        const Area singleArea =
+            draw(singleImage, c.x, c.y, single, c.orientation, c.alignment, c.spacing * 65536, c.reversed);
+        EXPECT_EQ(runArea, singleArea);
+        EXPECT_TRUE(PixelCanvas::of(runImage) == PixelCanvas::of(singleImage));
+        EXPECT_EQ(measure(c.x, c.y, run, c.orientation, c.alignment, c.spacing * 65536),
+                  measure(c.x, c.y, single, c.orientation, c.alignment, c.spacing * 65536));
+        EXPECT_EQ(processFont.getBaselineLength(arial, 8, run, c.spacing * 65536),
+                  processFont.getBaselineLength(arial, 8, single, c.spacing * 65536));
+    }
+}
+
+TEST_F(Font_, TheFirstGlyphOfARunKernsAgainstTheGlyphBeforeIt)
+{
+    const std::string run = "A" + std::string(5, 'V');
+    const std::string single = "A" + oneByOne('V', 5);
+    ASSERT_NE(processFont.getBaselineLength(arial, 30, "AV", 0),
+              processFont.getBaselineLength(arial, 30, "A", 0) + processFont.getBaselineLength(arial, 30, "V", 0))
+        << "A and V kern";
+    EXPECT_EQ(processFont.getBaselineLength(arial, 30, run, 2 << 16),
+              processFont.getBaselineLength(arial, 30, single, 2 << 16));
+    Image runImage(640, 608);
+    Image singleImage(640, 608);
+    EXPECT_EQ(draw(runImage, 20, 300, run, 0, 0, 0, false, 30), draw(singleImage, 20, 300, single, 0, 0, 0, false, 30));
+    EXPECT_TRUE(PixelCanvas::of(runImage) == PixelCanvas::of(singleImage));
+}
+
+TEST_F(Font_, ARunThatWrapsPutsItsGlyphsBackOnTheRaster)
+{
+    // 9000 capital I of 3 dots from x 2000 travel past the pen's 65536 dots and come back from the left.
+    Image image(640, 608);
+    draw(image, 2000, 300, std::string(9000, 'I'), 0);
+    EXPECT_GT(inkCount(image), 1000);
+}
+
 TEST(FontHooks, UnicGivesTheHexadecimalCodePointAndOtherSequencesNothing)
 {
     struct Case {

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -14,6 +16,17 @@
 #include "persistence/nullbuf.h"
 
 namespace fonttest {
+
+// The same symbols, each but the first written as a sequence, so that no two stand in one run.
+inline std::string oneByOne(char symbol, uint32_t count)
+{
+    char code[16];
+    std::snprintf(code, sizeof code, "\\<UNIC(%x)>", static_cast<unsigned char>(symbol));
+    std::string text(1, symbol);
+    for (uint32_t i = 1; i < count; ++i)
+        text += code;
+    return text;
+}
 
 // A fresh directory under the system's temporary directory, removed with everything in it.
 class TempDir {

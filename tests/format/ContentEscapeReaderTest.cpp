@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "errors/KT_Error.h"
@@ -224,6 +225,45 @@ TEST(ContentEscapeReader, FilterSeesWhatTheHookMadeAndMayDropItems)
     // A sequence the hook dropped still passes the filter, as the item it is.
     EXPECT_EQ(seen, (std::vector<ContentItem>{
                         {ITEM_BYTE, 'x'}, {ITEM_CODE128, 302}, {ITEM_BYTE, 'x'}, {ITEM_BYTE, '\\'}, {ITEM_NONE, 0}}));
+}
+
+// Each run as the item it repeats and its length.
+std::vector<std::pair<ContentItem, uint32_t>> runs(const std::string& content)
+{
+    ContentEscapeReader reader(symbolHook, [](ContentItem& item) {
+        if (item.type == ITEM_BYTE && item.value == 'x')
+            item.type = ITEM_NONE;
+    });
+    reader.setContent(content);
+    std::vector<std::pair<ContentItem, uint32_t>> result;
+    while (reader.hasNext()) {
+        const ContentItem item = reader.peek();
+        result.emplace_back(item, reader.takeRun());
+    }
+    return result;
+}
+
+TEST(ContentEscapeReader, ARunIsARepeatedPlainByteAndASequenceStandsAlone)
+{
+    using Runs = std::vector<std::pair<ContentItem, uint32_t>>;
+    EXPECT_EQ(runs(""), Runs{});
+    EXPECT_EQ(runs("aaab"), (Runs{{{ITEM_BYTE, 'a'}, 3}, {{ITEM_BYTE, 'b'}, 1}}));
+    // A doubled backslash is a sequence, so the bytes behind it aren't its repeats.
+    EXPECT_EQ(runs("\\\\\\\\\\\\"), (Runs{{{ITEM_BYTE, '\\'}, 1}, {{ITEM_BYTE, '\\'}, 1}, {{ITEM_BYTE, '\\'}, 1}}));
+    EXPECT_EQ(runs("H\\<UNIC(48)>HH"),
+              (Runs{{{ITEM_BYTE, 'H'}, 1}, {{ITEM_UNICODE, 0x48}, 1}, {{ITEM_BYTE, 'H'}, 2}}));
+    // What the filter drops is no item, and a dropped byte ends a run like any other.
+    EXPECT_EQ(runs("xxaaxaa"), (Runs{{{ITEM_BYTE, 'a'}, 2}, {{ITEM_BYTE, 'a'}, 2}}));
+    EXPECT_EQ(runs("a\\<FNC2>a"), (Runs{{{ITEM_BYTE, 'a'}, 1}, {{ITEM_BYTE, 'a'}, 1}}));
+    EXPECT_EQ(runs(std::string(100000, '|') + "a"), (Runs{{{ITEM_BYTE, '|'}, 100000}, {{ITEM_BYTE, 'a'}, 1}}));
+}
+
+TEST(ContentEscapeReader, TakingARunReadsTheSequenceBehindIt)
+{
+    ContentEscapeReader reader(dropEverything);
+    reader.setContent("aa\\q");
+    expectFailure<KT_ERROR::bad_content_sequence>(
+        [&] { reader.takeRun(); }, "illegal content escape sequence, expected '\\' or '<' but got 'q'");
 }
 
 TEST(ContentEscapeReader, ToBytesUnpacksValuesHighByteFirst)
