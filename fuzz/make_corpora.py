@@ -73,3 +73,11 @@ corpus("LinearBarcodeFuzz", [bytes(head) + content for head, content in [
     ([1, 2, 100, 4], b"400638133393"), ([3, 2, 100, 0xE6], b"KTR-39"), ([6, 2, 100, 4], b"123456"),
     ([8, 2, 100, 0xC4], b"1234567890123"), ([2, 2, 100, 0xCB], b"1234567"), ([0, 3, 120, 0x17], b"1234567"),
     ([5, 2, 100, 4], b"03600029145")]])
+
+# Kind and turn, four option bytes, the module, then the content.
+corpus("LibrarySymbolFuzz", [bytes(head) + content for head, content in [
+    ([0, 0, 2, 0, 0, 1], b"ktr-render QR 0123456789"), ([7, 0, 1, 0, 0, 1], b"12345"),
+    ([14, 0, 2, 0, 0, 1], b"Han Xin 1234"), ([21, 0, 0, 0, 0, 2], b"Lot 2026"),
+    ([4, 55, 4, 15, 3, 0], b"ktr-render PDF417"), ([10, 84, 2, 10, 0, 1], b"Micro PDF"),
+    ([5, 31, 30, 60, 0, 2], b"0101234567890128" b"10ABC123\\<FNC1>2112345"), ([11, 29, 30, 0, 0, 1], b"0123456789012"),
+    ([17, 81, 30, 20, 4, 1], b"0101234567890128" b"3103000123")]])

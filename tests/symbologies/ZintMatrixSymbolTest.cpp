@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 
 #include "errors/KT_Error.h"
 #include "graphics/Image.h"
 #include "symbologies/DMRectCode.h"
+#include "symbologies/HanxinCode.h"
 #include "symbologies/QrCode.h"
 #include "tests/support/PixelCanvas.h"
 #include "tests/symbologies/ZintTestSupport.h"
@@ -169,4 +171,14 @@ TEST_F(ZintMatrixGS1, InputModeTwoOfTheRecordIsGS1WithoutFNC1)
     auto context = placed(image, 10, 10);
     symbol.paint("0101234567890128" "10ABC", context);
     EXPECT_EQ(zinttest::zxingRead(image, "QRCode"), "0101234567890128" "10ABC");
+}
+
+TEST_F(ZintMatrixGS1, ASeparatorWithoutItsBackslashAtTheStartFailsInTheStringLibrary)
+{
+    // The rewrite takes the byte before each separator along; at the start there is none.
+    Image image(256, 256);
+    HanxinCode symbol(0, 1, 1, 2);
+    auto context = placed(image, 10, 10);
+    EXPECT_THROW(symbol.paint("<FNC1>56!\b10ABC123", context), std::out_of_range);
+    EXPECT_EQ(zinttest::inkCount(image), 0);
 }
