@@ -83,15 +83,21 @@ void Barcode::orBarRows(Image& context, int32_t firstRow, int32_t rowCount, int3
     for (size_t i = 0; i < bitString.size(); ++i)
         if (bitString[i] == '1')
             words[i / 32] |= 0x80000000u >> (i % 32);
+    // A row without a word writes nothing, however many rows there are.
+    if (words.empty())
+        return;
     const int32_t column = floorDiv32(px);
     const auto shift = static_cast<uint32_t>(px - column * 32);
-    for (int32_t row = firstRow; row < firstRow + rowCount; ++row)
+    // The last row is reckoned in 64 bits: a bar height that wrapped near the 32-bit limit runs down to the
+    // raster's edge and fails there, instead of wrapping the loop's end. So no row past the raster is reached.
+    const int64_t end = int64_t{firstRow} + rowCount;
+    for (int64_t row = firstRow; row < end; ++row)
         for (size_t j = 0; j < words.size(); ++j) {
             const int32_t c = column + static_cast<int32_t>(j);
-            context.orLong(row, c, words[j] >> shift);
+            context.orLong(static_cast<int32_t>(row), c, words[j] >> shift);
             // The spill word is written even when empty, so a symbol ending near the right edge can fail.
             if (shift != 0)
-                context.orLong(row, c + 1, words[j] << (32 - shift));
+                context.orLong(static_cast<int32_t>(row), c + 1, words[j] << (32 - shift));
         }
 }
 

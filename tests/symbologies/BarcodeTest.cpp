@@ -195,6 +195,22 @@ TEST(Barcode, ASymbolLeftOfTheRasterFailsOffFormat)
                                                  "trying to draw off format at (-32/0)");
 }
 
+TEST(Barcode, BarsOfAHeightNearThe32BitLimitRunDownToTheRasterEdgeAndFailThere)
+{
+    Image image(64, 32);
+    ProbeBarcode probe("1213", 0, 100 - 2, 20, 0, 0);
+    Area area{};
+    // The rows from 98 on: the last one would lie past 2^31.
+    Image tall(64, 120);
+    expectFailure<KT_ERROR::drawable_off_format>(
+        [&] { probe.drawBarsAt(tall, INT32_MAX - 3, area, false); }, "trying to draw off format at (0/120)");
+    EXPECT_EQ(row(tall, 119, 0, 6), "1001000") << "every row down to the edge is written";
+    // Without a bar there is nothing to write, and no row is visited.
+    ProbeBarcode empty("", 0, 98, 20, 0, 0);
+    EXPECT_NO_THROW(empty.drawBarsAt(image, INT32_MAX - 3, area, false));
+    EXPECT_EQ(row(image, 31, 0, 63), std::string(64, '0'));
+}
+
 TEST(Barcode, AHeightOf11WithoutTextFailsAndTwelvePasses)
 {
     Image image(128, 64);
