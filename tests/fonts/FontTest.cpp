@@ -646,30 +646,30 @@ TEST_F(Font_, ALongRunOfOneSymbolDrawsAndMeasuresAsItsSymbolsOneByOne)
         int32_t x, y, orientation, alignment, spacing;
         bool reversed;
     };
+    // Spacing in 16.16, as the text record gives it; the last two step nearly half the pen's range at once.
     const Case cases[] = {
-        {'I', 30000, 2000, 300, 0, 0, 0, false},     {'I', 30000, -900, 300, 0, 0, 5, false},
-        {'W', 12000, 320, 300, 1, 0, 3, false},      {'|', 20000, 320, 9000, 2, 0, -7, false},
-        {'.', 40000, 320, -5000, 3, 0, -1, false},   {'V', 9000, 100, 200, 0, 1, 0, false},
-        {'A', 9000, 600, 100, 1, 2, 2, false},       {'I', 40, 50, 50, 0, 0, -1, true},
-        {' ', 30000, 10, 10, 0, 0, 4, false},        {'I', 70000, 300, 300, 0, 0, 65535, false},
-        {'j', 5000, 30000, 300, 0, 0, -65536, false}, {'I', 3, 300, 300, 0, 0, 0, false},
+        {'I', 30000, 2000, 300, 0, 0, 0, false},           {'I', 30000, -900, 300, 0, 0, 5 << 16, false},
+        {'W', 12000, 320, 300, 1, 0, 3 << 16, false},      {'|', 20000, 320, 9000, 2, 0, -7 * 65536, false},
+        {'.', 40000, 320, -5000, 3, 0, -1 * 65536, false}, {'V', 9000, 100, 200, 0, 1, 0, false},
+        {'A', 9000, 600, 100, 1, 2, 2 << 16, false},       {'I', 40, 50, 50, 0, 0, -1 * 65536, true},
+        {' ', 30000, 10, 10, 0, 0, 4 << 16, false},        {'I', 3, 300, 300, 0, 0, 0, false},
+        {'I', 70000, 300, 300, 0, 0, 0x7FFF0000, false},  {'j', 5000, 30000, 300, 0, 0, -0x7FFF0000, false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(1, c.symbol) + " x" + std::to_string(c.count) + " turn " +
-                     std::to_string(c.orientation) + " spacing " + std::to_string(c.spacing));
+                     std::to_string(c.orientation) + " spacing " + std::to_string(c.spacing / 65536.0));
         Image runImage(640, 608);
         Image singleImage(640, 608);
         const std::string run(c.count, c.symbol);
         const std::string single = oneByOne(c.symbol, c.count);
-        const Area runArea = draw(runImage, c.x, c.y, run, c.orientation, c.alignment, c.spacing * 65536, c.reversed);
-        const Area singleArea =
-            draw(singleImage, c.x, c.y, single, c.orientation, c.alignment, c.spacing * 65536, c.reversed);
+        const Area runArea = draw(runImage, c.x, c.y, run, c.orientation, c.alignment, c.spacing, c.reversed);
+        const Area singleArea = draw(singleImage, c.x, c.y, single, c.orientation, c.alignment, c.spacing, c.reversed);
         EXPECT_EQ(runArea, singleArea);
         EXPECT_TRUE(PixelCanvas::of(runImage) == PixelCanvas::of(singleImage));
-        EXPECT_EQ(measure(c.x, c.y, run, c.orientation, c.alignment, c.spacing * 65536),
-                  measure(c.x, c.y, single, c.orientation, c.alignment, c.spacing * 65536));
-        EXPECT_EQ(processFont.getBaselineLength(arial, 8, run, c.spacing * 65536),
-                  processFont.getBaselineLength(arial, 8, single, c.spacing * 65536));
+        EXPECT_EQ(measure(c.x, c.y, run, c.orientation, c.alignment, c.spacing),
+                  measure(c.x, c.y, single, c.orientation, c.alignment, c.spacing));
+        EXPECT_EQ(processFont.getBaselineLength(arial, 8, run, c.spacing),
+                  processFont.getBaselineLength(arial, 8, single, c.spacing));
     }
 }
 
