@@ -1,6 +1,7 @@
 #include "drawables/Drawable_Text.h"
 
 #include <memory>
+#include <utility>
 
 #include "errors/KT_Error.h"
 #include "fonts/Font.h"
