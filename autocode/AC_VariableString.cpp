@@ -122,6 +122,9 @@ void AC_VariableString::restoreFrom(SimpleFS& store, uint32_t address)
     for (bool first = true; first || state.phase != 2; first = false) {
         const uint32_t got = store.read(piece, sizeof piece, address, &state, !first);
         text.content.append(reinterpret_cast<const char*>(piece), got);
+        // Read on past what the store can hold, the chain runs in a circle: measuring the file says so.
+        if (text.content.size() > store.capacity())
+            store.fileSize(address);
     }
 }
 

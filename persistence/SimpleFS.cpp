@@ -391,6 +391,11 @@ uint32_t SimpleFS::fileSize(uint32_t root)
     throw SFS_Exception(text("SimpleFS: chain of file ", root, " runs in a circle"));
 }
 
+uint64_t SimpleFS::capacity() const
+{
+    return uint64_t{blockCount} * payloadLength;
+}
+
 uint32_t SimpleFS::getInfo(std::array<uint32_t, 6>& info) const
 {
     info = {start, size, blockCount, usedBlocks, blockTable, cursor};

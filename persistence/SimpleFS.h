@@ -38,6 +38,8 @@ public:
     uint32_t read(uint8_t* target, uint32_t length, uint32_t root, ReadState* state, bool continueReading);
     void remove(uint32_t root);
     uint32_t fileSize(uint32_t root);
+    // The most bytes a file can hold: the payloads of every block.
+    uint64_t capacity() const;
     bool isRoot(uint32_t block);
     // start, size, block count, used blocks, block table, cursor; returns the bytes filled in.
     uint32_t getInfo(std::array<uint32_t, 6>& info) const;

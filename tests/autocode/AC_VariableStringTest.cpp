@@ -360,6 +360,19 @@ TEST_F(PersistentVariableTest, ARestoredVariableKeepsTheContentOfTheStoreWhateve
     EXPECT_EQ(v.getContent(), stored);
 }
 
+TEST_F(PersistentVariableTest, AStoredFileWhoseChainRunsInACircleFailsInsteadOfGrowingForEver)
+{
+    const uint32_t address = fs.create(reinterpret_cast<const uint8_t*>("abcdefghijkl"), 12);
+    ASSERT_EQ(address, 0u) << "the file takes blocks 0, 1 and 2";
+    // Block 2 of the table at 64 goes on to block 1 instead of ending the file.
+    const uint8_t circle[8] = {0x01, 1, 0, 0, 'i', 'j', 'k', 'l'};
+    array.writeBlock(circle, 8, 64 + 8 * 2);
+    std::stringstream stream;
+    stream.write(reinterpret_cast<const char*>(&address), 4);
+    expectFailure<KT_ERROR::SFS_Exception>([&] { read(STORAGE_RESTORE, promptedRecord("v", "record"), &stream); },
+                                 "SimpleFS: chain of file 0 runs in a circle");
+}
+
 TEST_F(PersistentVariableTest, AnEmptyFileRestoresAnEmptyContent)
 {
     const uint32_t address = fs.create(nullptr, 0);
