@@ -70,6 +70,14 @@ AC_Date::Offsets AC_Date::currentOffsets() const
     if (hasFixedOffsets())
         return date_field_offset;
     Offsets offsets{};
+    // An offset element that leads back to this date would recurse without end: a tree too deep.
+    if (evaluating)
+        failTooDeep();
+    evaluating = true;
+    const struct Done {
+        bool& flag;
+        ~Done() { flag = false; }
+    } done{evaluating};
     const int16_t offset = toOffset(lookup(offsetSource).toNumber());
     if (variableOffsetIndex < offsets.size())
         offsets[variableOffsetIndex] = offset;

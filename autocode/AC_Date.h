@@ -52,6 +52,8 @@ private:
     std::string offsetSource;
     uint32_t variableOffsetIndex;
     Offsets date_field_offset;
+    // Set while the offset element is asked, so that one leading back to this date is caught.
+    mutable bool evaluating = false;
 };
 
 // Reads the body of an ESC V D record, adds the date to the format and returns its id.

@@ -17,7 +17,12 @@ constexpr uint32_t depthLimit = 51;
 void AC_Element::checkDepthLimit(uint32_t level)
 {
     if (level >= depthLimit)
-        throw KT_ERROR::internal_autocode_error("exceeded maximum depth of autocode tree");
+        failTooDeep();
+}
+
+void AC_Element::failTooDeep()
+{
+    throw KT_ERROR::internal_autocode_error("exceeded maximum depth of autocode tree");
 }
 
 void AC_Element::update(uint32_t, uint32_t) {}

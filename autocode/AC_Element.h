@@ -34,6 +34,8 @@ protected:
     AC_Element& lookup(const std::string& id) const;
     // Fails with the depth message when level is beyond the limit of the tree.
     static void checkDepthLimit(uint32_t level);
+    // The depth message, for a tree that leads back to where it started.
+    [[noreturn]] static void failTooDeep();
 
 private:
     friend class AC_ElementCollection;

@@ -283,6 +283,15 @@ TEST_F(DateTest, AMissingOffsetElementFailsWhenTheDateIsPrinted)
     expectFailure<KT_ERROR::bad_escape_sequence>([&] { date.getResult(); }, "Element id not found: Cnone");
 }
 
+TEST_F(DateTest, ADateWhoseOffsetLeadsBackToItselfFailsAsATreeTooDeep)
+{
+    setClock(2021, 3, 7);
+    AC_Date& date = addVariableDate("010510", "Dv", AC_Date::OFFSET_DAYS);
+    for (int ask = 0; ask < 2; ++ask)
+        expectFailure<KT_ERROR::internal_autocode_error>([&] { date.getResult(); },
+                                                         "exceeded maximum depth of autocode tree");
+}
+
 TEST_F(DateTest, ANowBeyondLocalTimeFails)
 {
     now = std::numeric_limits<int64_t>::max();

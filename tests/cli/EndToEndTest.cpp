@@ -339,3 +339,10 @@ TEST(EndToEnd, TheBundledExampleRenders)
     EXPECT_EQ(bitmap.y, 0);
     EXPECT_GT(bitmap.inkCount(), 100000);
 }
+
+TEST(EndToEnd, ADateWhoseOffsetIsTheDateItselfFailsInsteadOfOverflowingTheStack)
+{
+    const RunResult run = runCase("date_offset_itself.esc", "in.esc", {"in=in.esc", "showvariables=y"});
+    EXPECT_EQ(run.output, "exceeded maximum depth of autocode tree\nError at position: 34\n");
+    EXPECT_EQ(run.exitCode, 1);
+}
