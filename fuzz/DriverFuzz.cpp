@@ -12,14 +12,15 @@
 namespace {
 
 // Whether the renderer ends on the file: its scan stops at a lower-case e or behind ESC F, and the parse
-// that follows ESC F doesn't read on past the end of the file.
-bool rendererEnds(const uint8_t* data, size_t size)
+// that follows ESC F, on the printer's raster, doesn't read on past the end of the file. The raster counts:
+// a record that fails on a small one can end the parse before the record that would run on.
+bool rendererEnds(const uint8_t* data, size_t size, int32_t width)
 {
     for (size_t at = 0; at < size;) {
         if (data[at] == 'e')
             return true;
         if (data[at++] == 0x1B && at < size && data[at++] == 'F')
-            return fuzz::parseFormat(data + at, size - at);
+            return fuzz::parseFormat(data + at, size - at, width, 608);
     }
     return false;
 }
@@ -35,7 +36,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    if (size < 1 || !rendererEnds(data + 1, size - 1))
+    if (size < 1 || !rendererEnds(data + 1, size - 1, (data[0] & 1) != 0 ? 640 : 1280))
         return 0;
     // The first byte picks the printer and the kind of save.
     const std::string in = fuzz::writeScratch("in.esc", data + 1, size - 1);

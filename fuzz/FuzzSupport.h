@@ -77,13 +77,13 @@ private:
     size_t endReads = 0;
 };
 
-// Parses the bytes behind ESC F as the renderer does, on a KTA1 raster, and saves the result trimmed.
-// Returns false for an input whose read runs on past its end.
-inline bool parseFormat(const uint8_t* data, size_t size)
+// Parses the bytes behind ESC F as the renderer does, on a raster of KTA1 unless told, and saves the result
+// trimmed. Returns false for an input whose read runs on past its end.
+inline bool parseFormat(const uint8_t* data, size_t size, int32_t width = 640, int32_t height = 608)
 {
     GuardedInput buffer(data, size);
     std::istream in(&buffer);
-    Image image(640, 608);
+    Image image(width, height);
     KT_FMT::KT_Format format(nullptr, &image, nullptr);
     try {
         format.parse(in, nullptr, 0);
