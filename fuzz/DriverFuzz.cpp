@@ -21,7 +21,7 @@ bool rendererEnds(const uint8_t* data, size_t size, const PrinterModel& printer)
         if (data[at] == 'e')
             return true;
         if (data[at++] == 0x1B && at < size && data[at++] == 'F')
-            return fuzz::parseFormat(data + at, size - at, printer.width, printer.height);
+            return fuzz::parseFormat(data + at, size - at, printer);
     }
     return false;
 }

@@ -11,6 +11,7 @@
 #include <streambuf>
 #include <string>
 
+#include "cli/PrinterTable.h"
 #include "fonts/FontProvider.h"
 #include "format/KT_Format.h"
 #include "graphics/Image.h"
@@ -77,13 +78,13 @@ private:
     size_t endReads = 0;
 };
 
-// Parses the bytes behind ESC F as the renderer does, on a raster of KTA1 unless told, and saves the result
+// Parses the bytes behind ESC F as the renderer does, on the raster of KTA1 unless told, and saves the result
 // trimmed. Returns false for an input whose read runs on past its end.
-inline bool parseFormat(const uint8_t* data, size_t size, int32_t width = 640, int32_t height = 608)
+inline bool parseFormat(const uint8_t* data, size_t size, const PrinterModel& printer = printerTable[0])
 {
     GuardedInput buffer(data, size);
     std::istream in(&buffer);
-    Image image(width, height);
+    Image image(printer.width, printer.height);
     KT_FMT::KT_Format format(nullptr, &image, nullptr);
     try {
         format.parse(in, nullptr, 0);
