@@ -81,6 +81,32 @@ protected:
         char buffer[128];
         return std::string(buffer, std::strftime(buffer, sizeof buffer, pattern, &fields));
     }
+
+    // The settings list by hand: its six lines, 50 dots apart, and its frame.
+    PixelCanvas settingsList(const std::vector<std::string>& lines)
+    {
+        Reference reference;
+        for (size_t i = 0; i < lines.size(); ++i)
+            reference.text(60, 60 + 50 * static_cast<int32_t>(i), 10, 5, lines[i]);
+        reference.corners(0, 0, 12, 350);
+        reference.corners(538, 0, 550, 350);
+        reference.corners(12, 0, 538, 12);
+        reference.corners(12, 338, 538, 350);
+        return reference.canvas();
+    }
+
+    // The twelve lines of a parameter sheet by hand, in font 5; a null text is the clock's date or time.
+    void sheetLines(Image& target, const int32_t (&columns)[4], const int32_t (&rows)[12], int32_t size,
+                    const char* const (&texts)[12][4])
+    {
+        const std::string date = clock("%x"), time = clock("%X");
+        for (int line = 0; line < 12; ++line)
+            for (int c = 0; c < 4; ++c) {
+                const std::string text = texts[line][c] != nullptr ? texts[line][c] : c == 1 ? date : time;
+                if (!text.empty())
+                    target.printText(columns[c], rows[line], size, 5, text, 0, nullptr, false, 0, true);
+            }
+    }
 };
 
 // The canvas of a pattern given as a rule on each dot, over the rows below `length`.
@@ -92,6 +118,24 @@ PixelCanvas ruled(int32_t length, const std::function<bool(int32_t, int32_t)>& i
             canvas.at(x, y) = inked(x, y) ? 1 : 0;
     return canvas;
 }
+
+// A parameter sheet's settings and, for a length of 100 mm, its lines in columns 1 to 4.
+const Integers sheetIntegers = {300, 80, 2, 1, 0, 1, 0, 1, 15, 1200, 0, 150, 250000};
+const Strings sheetStrings = {"D 1.0", "T 2.0", "H 3.0", "M 4.0"};
+const char* const sheetTexts[12][4] = {
+    {"DIMM-PC:", "D 1.0", "", ""},
+    {"Touchpanel:", "T 2.0", "", ""},
+    {"Head:", "H 3.0", "", ""},
+    {"MES:", "M 4.0", "", ""},
+    {"Speed:", "300 mm/s", "Density:", "80 %"},
+    {"Orientation:", "mirrore", "Print trigger:", "rising edge"},
+    {"Error level:", "active low", "Inhibit level:", "low"},
+    {"Network IF:", "off", "Print buffer:", "off"},
+    {"Print delay:", "15 ms", "Head resist.:", "1200 Ohm"},
+    {"Date:", nullptr, "Time:", nullptr},
+    {"Mode:", "continuous", "Carriage pos.:", "12.50 mm"},
+    {"Print length:", "100 mm", "Air pressure:", "2.500 MPa"},
+};
 
 // Inclusive corners, as the patterns give their bars.
 void corners(PixelCanvas& canvas, int32_t x0, int32_t y0, int32_t x1, int32_t y1)
@@ -424,34 +468,23 @@ TEST_F(TextTestFormats, AllFontsOnOtherWidthsIsLargerAndIndented)
 
 TEST_F(TextTestFormats, SpeedDensityListsTheSettingsInAFrame)
 {
-    Reference reference;
-    reference.text(60, 60, 10, 5, "SPEED - 007");
-    reference.text(60, 110, 10, 5, "DENSITY - 042");
-    reference.text(60, 160, 10, 5, "RESISTANCE - 0123");
-    reference.text(60, 210, 10, 5, "PRINTCOUNT - 004567");
-    reference.text(60, 260, 10, 5, "TIME - 08:05:09");
-    reference.text(60, 310, 10, 5, "DATE - 24/11/2026");
-    reference.corners(0, 0, 12, 350);
-    reference.corners(538, 0, 550, 350);
-    reference.corners(12, 0, 538, 12);
-    reference.corners(12, 338, 538, 350);
-    EXPECT_EQ(build(9, 360, {7, 42, 123, 4567, 8, 5, 9, 24, 11, 2026}), reference.canvas());
+    EXPECT_EQ(build(9, 360, {7, 42, 123, 4567, 8, 5, 9, 24, 11, 2026}),
+              settingsList({"SPEED - 007", "DENSITY - 042", "RESISTANCE - 0123",
+                            "PRINTCOUNT - 004567", "TIME - 08:05:09", "DATE - 24/11/2026"}));
 }
 
 TEST_F(TextTestFormats, SpeedDensityReadsMissingIntegersAsZero)
 {
-    Reference reference;
-    reference.text(60, 60, 10, 5, "SPEED - 009");
-    reference.text(60, 110, 10, 5, "DENSITY - 000");
-    reference.text(60, 160, 10, 5, "RESISTANCE - 0000");
-    reference.text(60, 210, 10, 5, "PRINTCOUNT - 000000");
-    reference.text(60, 260, 10, 5, "TIME - 00:00:00");
-    reference.text(60, 310, 10, 5, "DATE - 00/00/0000");
-    reference.corners(0, 0, 12, 350);
-    reference.corners(538, 0, 550, 350);
-    reference.corners(12, 0, 538, 12);
-    reference.corners(12, 338, 538, 350);
-    EXPECT_EQ(build(9, 360, {9}), reference.canvas());
+    EXPECT_EQ(build(9, 360, {9}),
+              settingsList({"SPEED - 009", "DENSITY - 000", "RESISTANCE - 0000",
+                            "PRINTCOUNT - 000000", "TIME - 00:00:00", "DATE - 00/00/0000"}));
+}
+
+TEST_F(TextTestFormats, SpeedDensityFiguresWiderThanTheirFieldsOrBelowZeroKeepAllTheirCharacters)
+{
+    EXPECT_EQ(build(9, 360, {1234, -5, 123456, 12345678, 123, -1, 0, -3, 100, 12345}),
+              settingsList({"SPEED - 1234", "DENSITY - -05", "RESISTANCE - 123456",
+                            "PRINTCOUNT - 12345678", "TIME - 123:-1:00", "DATE - -3/100/12345"}));
 }
 
 TEST_F(TextTestFormats, BoxFrameIsTwelveDotsThickAndTheGivenMillimetresTall)
@@ -532,33 +565,11 @@ TEST_F(TextTestFormats, CheckPrintShowsItsFiguresAndTheLogoRowsEightyBytesApart)
 
 TEST_F(TextTestFormats, ParameterSheetOnTheNarrowHead)
 {
-    const PixelCanvas canvas =
-        build(19, 1200, {300, 80, 2, 1, 0, 1, 0, 1, 15, 1200, 0, 150, 250000}, {"D 1.0", "T 2.0", "H 3.0", "M 4.0"});
+    const PixelCanvas canvas = build(19, 1200, sheetIntegers, sheetStrings);
     Reference reference;
     reference.image.cropMarks(0, 0, W - 1, 599, 0);
     const int32_t rows[] = {90, 120, 150, 180, 225, 255, 285, 315, 345, 375, 405, 435};
-    const char* texts[12][4] = {
-        {"DIMM-PC:", "D 1.0", "", ""},
-        {"Touchpanel:", "T 2.0", "", ""},
-        {"Head:", "H 3.0", "", ""},
-        {"MES:", "M 4.0", "", ""},
-        {"Speed:", "300 mm/s", "Density:", "80 %"},
-        {"Orientation:", "mirrore", "Print trigger:", "rising edge"},
-        {"Error level:", "active low", "Inhibit level:", "low"},
-        {"Network IF:", "off", "Print buffer:", "off"},
-        {"Print delay:", "15 ms", "Head resist.:", "1200 Ohm"},
-        {"Date:", nullptr, "Time:", nullptr},
-        {"Mode:", "continuous", "Carriage pos.:", "12.50 mm"},
-        {"Print length:", "100 mm", "Air pressure:", "2.500 MPa"},
-    };
-    const std::string date = clock("%x"), time = clock("%X");
-    const int32_t columns[] = {5, 175, 330, 500};
-    for (int line = 0; line < 12; ++line)
-        for (int c = 0; c < 4; ++c) {
-            const std::string text = texts[line][c] != nullptr ? texts[line][c] : c == 1 ? date : time;
-            if (!text.empty())
-                reference.text(columns[c], rows[line], 6, 5, text);
-        }
+    sheetLines(reference.image, {5, 175, 330, 500}, rows, 6, sheetTexts);
     reference.image.loadRaw(KT_FMT::testFormatLogos.data(), 475, 192, 112, 256);
     EXPECT_EQ(canvas, reference.canvas());
 }
@@ -588,26 +599,19 @@ TEST_F(TextTestFormats, ParameterSheetSpellsTheSettingsThatAreSet)
     }
 }
 
-TEST_F(TextTestFormats, ParameterSheetOnAWideHeadCentresTheLargeLogo)
+TEST_F(TextTestFormats, ParameterSheetOnAWideHeadSetsEveryLineInTheCentredColumns)
 {
     Image wide(1600, 1200);
     KT_Format wideFormat(nullptr, &wide, nullptr);
     testFormatLength = 1200;
-    wideFormat.buildTestFormat(19, {"D"}, {});
-    // Start 65, line 50: line 12 at 715 after the half line before line 5, the logo 40 rows below.
-    Image logo(1600, 1200);
-    logo.loadRaw(KT_FMT::testFormatLogos.data() + 112 * 32, 755, 544, 224, 512);
-    for (int32_t y = 755; y < 755 + 224; ++y)
-        for (int32_t x = 544; x < 544 + 512; ++x)
-            if (wide.getPixel(x, y) != logo.getPixel(x, y))
-                FAIL() << "pixel " << x << ", " << y;
-    Image label(1600, 1200);
-    label.printText(170, 140, 10, 5, "DIMM-PC:", 0, nullptr, false, 0, true);
-    label.printText(520, 140, 10, 5, "D", 0, nullptr, false, 0, true);
-    for (int32_t y = 100; y < 150; ++y)
-        for (int32_t x = 0; x < 1600; ++x)
-            if (wide.getPixel(x, y) != label.getPixel(x, y))
-                FAIL() << "pixel " << x << ", " << y;
+    wideFormat.buildTestFormat(19, sheetStrings, sheetIntegers);
+    Image reference(1600, 1200);
+    reference.cropMarks(0, 0, 1599, 999, 0);
+    // Start 65, line 50, a half line more before line 5; the columns stand (1600 - 1280) / 2 further right.
+    const int32_t rows[] = {140, 190, 240, 290, 365, 415, 465, 515, 565, 615, 665, 715};
+    sheetLines(reference, {170, 520, 810, 1160}, rows, 10, sheetTexts);
+    reference.loadRaw(KT_FMT::testFormatLogos.data() + 112 * 32, 755, 544, 224, 512);
+    EXPECT_EQ(PixelCanvas::of(wide), PixelCanvas::of(reference));
 }
 
 TEST_F(TextTestFormats, TwoLinesCentreEachTextByTwentyDotsACharacter)
