@@ -42,11 +42,12 @@ void ZintMatrixSymbol::paint(const std::string& content, GraphicsContext& contex
 // encoder is not looked at: a refused content is simply not there.
 void ZintMatrixSymbol::encode(const std::string& content)
 {
-    ZBarcode_Clear(symbol.get());
+    zintLibrary().clear(symbol.get());
     std::string data = content;
     if (symbol->input_mode == GS1_MODE)
         KT_FMT::ai_number_replace(data, "<FNC1>", "[");
-    ZBarcode_Encode(symbol.get(), reinterpret_cast<const unsigned char*>(data.data()), static_cast<int>(data.size()));
+    zintLibrary().encode(symbol.get(), reinterpret_cast<const unsigned char*>(data.data()),
+                         static_cast<int>(data.size()));
 }
 
 void ZintMatrixSymbol::paintModules(int colour)

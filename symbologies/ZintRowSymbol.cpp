@@ -19,11 +19,11 @@ ZintRowSymbol::ZintRowSymbol(const ZintSetup& setup, const ZintRecordValues& rec
 // The library adds rows to whatever its symbol holds, so the old matrix goes first.
 int ZintRowSymbol::encode(const std::string& data)
 {
-    ZBarcode_Clear(symbol.get());
+    zintLibrary().clear(symbol.get());
     if (std::find(encodes.begin(), encodes.end(), symbology) == encodes.end())
         return ZINT_ERROR_INVALID_OPTION;
-    return ZBarcode_Encode(symbol.get(), reinterpret_cast<const unsigned char*>(data.data()),
-                           static_cast<int>(data.size()));
+    return zintLibrary().encode(symbol.get(), reinterpret_cast<const unsigned char*>(data.data()),
+                                static_cast<int>(data.size()));
 }
 
 void ZintRowSymbol::fail(int32_t group, int32_t code) const

@@ -4,7 +4,7 @@
 
 ZintSymbolPointer makeZintSymbol(const ZintSetup& setup, const ZintRecordValues& record)
 {
-    ZintSymbolPointer symbol(ZBarcode_Create());
+    ZintSymbolPointer symbol(zintLibrary().create());
     symbol->symbology = setup.symbology == FROM_RECORD ? record.symbology : setup.symbology;
     symbol->height = static_cast<float>(setup.recordHeight ? record.height : 0);
     symbol->whitespace_width = setup.whitespaceWidth;

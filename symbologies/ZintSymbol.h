@@ -3,11 +3,12 @@
 #include <memory>
 #include <zint.h>
 
+#include "symbologies/ZintLibrary.h"
 #include "symbologies/ZintSetup.h"
 
 // Deletes a symbol through the library that made it.
 struct ZintSymbolDeleter {
-    void operator()(zint_symbol* symbol) const { ZBarcode_Delete(symbol); }
+    void operator()(zint_symbol* symbol) const { zintLibrary().destroy(symbol); }
 };
 using ZintSymbolPointer = std::unique_ptr<zint_symbol, ZintSymbolDeleter>;
 

@@ -95,9 +95,10 @@ inline std::string shellQuote(const std::string& word)
     return quoted + "'";
 }
 
-// Copies the case file (if any) under `inName` into a new directory and runs the tool there.
+// Copies the case file (if any) under `inName` into a new directory and runs the tool there, with the
+// variables of `environment` ("NAME=value ...") added to its own.
 inline RunResult runCase(const std::string& caseFile, const std::string& inName, const std::vector<std::string>& args,
-                         int timeoutSeconds = 20)
+                         int timeoutSeconds = 20, const std::string& environment = "")
 {
     static int serial = 0;
     RunResult result;
@@ -107,8 +108,8 @@ inline RunResult runCase(const std::string& caseFile, const std::string& inName,
     std::filesystem::create_directories(result.dir);
     if (!caseFile.empty())
         std::filesystem::copy_file(std::filesystem::path(KTR_CLI_CASES) / caseFile, result.dir / inName);
-    std::string command = "cd " + shellQuote(result.dir.string()) + " && timeout " + std::to_string(timeoutSeconds) +
-                          " " + shellQuote(KTR_RENDER_BINARY);
+    std::string command = "cd " + shellQuote(result.dir.string()) + " && " + environment + " timeout " +
+                          std::to_string(timeoutSeconds) + " " + shellQuote(KTR_RENDER_BINARY);
     for (const std::string& arg : args)
         command += " " + shellQuote(arg);
     command += " > stdout.txt 2> stderr.txt";

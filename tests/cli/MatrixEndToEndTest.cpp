@@ -131,3 +131,16 @@ TEST(MatrixEndToEnd, TheBundledExampleCarriesAPDF417AndADataMatrixThatReadBack)
     EXPECT_EQ(scantest::zxing((run.dir / "demo.esc.bmp").string(), "PDF417"), "ktr-render PDF417");
     EXPECT_EQ(scantest::dmtx((run.dir / "demo.esc.bmp").string()), "ktr-render Data Matrix");
 }
+
+// The loader's own account of the files it maps shows when zint comes in: not at start, only for a symbol.
+TEST(MatrixEndToEnd, OnlyALabelWithALibrarySymbolOpensTheBarcodeLibrary)
+{
+    const RunResult plain = runCase("minimal.esc", "in.esc", {"in=in.esc"}, 20, "LD_DEBUG=files");
+    ASSERT_EQ(plain.exitCode, 0) << plain.output;
+    EXPECT_NE(plain.errors.find("file=libc.so"), std::string::npos) << plain.errors;
+    EXPECT_EQ(plain.errors.find("libzint"), std::string::npos) << plain.errors;
+    const RunResult qr = runCase("matrix_qr.esc", "in.esc", {"in=in.esc"}, 20, "LD_DEBUG=files");
+    ASSERT_EQ(qr.exitCode, 0) << qr.output;
+    EXPECT_NE(qr.errors.find("file=libzint.so"), std::string::npos) << qr.errors;
+    EXPECT_NE(qr.errors.find("dynamically loaded"), std::string::npos) << qr.errors;
+}
