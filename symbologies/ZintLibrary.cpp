@@ -2,13 +2,16 @@
 
 #include <dlfcn.h>
 
+#include <string>
+
 #include "errors/KT_Error.h"
 
 namespace {
 
 [[noreturn]] void failToLoad(void* handle)
 {
-    const std::string reason = dlerror();
+    const char* error = dlerror();
+    const std::string reason = error != nullptr ? error : "no reason given";
     if (handle != nullptr)
         dlclose(handle);
     throw KT_ERROR::kt_exception("error loading the barcode library: " + reason);
